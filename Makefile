@@ -1,0 +1,36 @@
+# Brix: see README.md. Every target installs the Debian packages it needs first.
+BUILD_RELEASE := build/release
+BUILD_TEST    := build/test
+JOBS          ?= $(shell nproc)
+
+.PHONY: all deps build run test bench format clean
+
+all: build
+
+deps:
+	@scripts/install-deps.sh
+
+$(BUILD_RELEASE)/build.ninja:
+	cmake -S . -B $(BUILD_RELEASE) -G Ninja -DCMAKE_BUILD_TYPE=Release -DBRIX_TESTS=OFF -DBRIX_BENCH=ON
+
+build: deps $(BUILD_RELEASE)/build.ninja
+	cmake --build $(BUILD_RELEASE) -j $(JOBS)
+
+run: build
+	$(BUILD_RELEASE)/brix
+
+$(BUILD_TEST)/build.ninja:
+	cmake -S . -B $(BUILD_TEST) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DBRIX_SANITIZE=ON -DBRIX_TESTS=ON
+
+test: deps $(BUILD_TEST)/build.ninja
+	cmake --build $(BUILD_TEST) -j $(JOBS)
+	scripts/run-tests.sh $(BUILD_TEST)
+
+bench: build
+	scripts/run-bench.sh $(BUILD_RELEASE)
+
+format:
+	find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf build

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build and the tests need. Fast when all are there.
+set -euo pipefail
+PACKAGES=(cmake ninja-build g++ pkg-config make qt6-base-dev qt6-base-dev-tools
+  libqscintilla2-qt6-dev libgl-dev fonts-liberation dbus openssh-server openssh-client
+  python3-dbus xvfb libbenchmark-dev clang-format)
+missing=()
+for p in "${PACKAGES[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    missing+=("$p")
+  fi
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+echo "Installing missing packages: ${missing[*]}"
+SUDO=""
+[ "$(id -u)" -ne 0 ] && SUDO="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

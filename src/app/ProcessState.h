@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+#include <array>
+#include <cstdint>
+#include <memory>
+
+class Application;
+class DocumentCollection;
+class Moriox;
+class frmMain;
+
+// The current place new paths are built from; every successful open or save moves it.
+struct HostContext {
+    QString Provider = QStringLiteral("mvdb");
+    QString ServerName = QStringLiteral("*");
+    QString Database;
+    QString Folder;
+};
+
+// Process-wide state that Main creates and Shutdown takes down.
+class ProcessState {
+public:
+    enum class StartMode { User, Automation };
+
+    static ProcessState& Instance();
+
+    StartMode Mode = StartMode::User;
+    std::unique_ptr<DocumentCollection> Documents;
+    std::unique_ptr<Moriox> Settings;
+    HostContext Host;
+    int32_t NextNewNumber = 0;
+    int32_t NextDocumentNumber = 0;
+    // Non-owning: it must not keep the automation object alive.
+    std::weak_ptr<Application> ActiveApplication;
+    std::unique_ptr<QStringList> ExtendedTools;
+    bool FontInstalled = false;
+    QString HelpFilePath;
+
+    // Marks as the connection delivers them (private-use characters) and as the editor
+    // holds them (codes 30, 29, 28).
+    QString AttributeMarkHost, ValueMarkHost, SubvalueMarkHost;
+    QString AttributeMark, ValueMark, SubvalueMark;
+    // Subvalue, value and attribute mark plus 64: "\", "]", "^".
+    std::array<QString, 3> PrintableMarks;
+
+    QPointer<frmMain> MainWindow;
+    QPointer<QWidget> ResultsWindow, GotoWindow, FindWindow, PropertiesWindow, KeywordsWindow;
+
+    bool ShutdownStarted = false;
+
+    void ComputeMarkStrings();
+
+private:
+    ProcessState();
+    ~ProcessState();
+};
+
+// The settings object, which exists from start-up to shutdown.
+Moriox& Settings();

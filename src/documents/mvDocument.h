@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <cstdint>
+#include <memory>
+
+class Application;
+class ScintillaBuffer;
+class SourceView;
+class clsDocView;
+class mvResource;
+
+// The one object that stands for an open document: a resource of the connection layer
+// (none while new), a view that holds the editor, and a place in Documents. Property reads
+// never raise; a failure inside one gives the default.
+class mvDocument : public QObject, public std::enable_shared_from_this<mvDocument> {
+    Q_OBJECT
+
+public:
+    // Numbers the document and puts it in Documents: the collection holds it from now on.
+    static std::shared_ptr<mvDocument> Create();
+    ~mvDocument() override;
+
+    int32_t DocumentNumber() const { return documentNumber_; }
+    int32_t NewNumber() const { return newNumber_; }
+    std::shared_ptr<Application> ApplicationRef() const { return applicationRef_; }
+    std::shared_ptr<mvResource> DocumentResource() const { return resource_; }
+    clsDocView* View() const;
+
+    bool ReadOnly() const;
+    bool NewItem() const;
+    bool IsDirty() const;
+    QString Path() const;
+    QString FileName() const;
+    QString ItemID() const;
+    bool LocalFile() const;
+    bool Highlight() const { return highlight_; }
+    void SetHighlight(bool highlight);
+    QString DisplayName() const;
+    QString TitleText() const;
+    bool CanCompile() const;
+
+    bool FileNew();
+    bool MakeNew(std::shared_ptr<mvResource> resource);
+    // Closes without a question when `prompt` is false.
+    bool FileClose(bool prompt);
+    void Activate();
+    void EnsureView();
+    void SetDirty(bool flag);
+    bool AutoSaveFlag() const;
+    void SetAutoSaveFlag(bool flag);
+
+    // The editor and its buffer; both exist once EnsureView has run.
+    SourceView* Editor() const;
+    ScintillaBuffer* Buffer() const;
+
+Q_SIGNALS:
+    // Raised once, after the document has left Documents.
+    void DocumentClose();
+
+private:
+    struct Token {};
+
+public:
+    explicit mvDocument(Token);
+
+private:
+    void dropView();
+
+    int32_t documentNumber_ = 0;
+    std::shared_ptr<mvResource> resource_;
+    int32_t newNumber_ = 0;
+    clsDocView* view_ = nullptr;
+    // Qt owns the window; this tells when it is gone.
+    QPointer<QWidget> viewWidget_;
+    bool highlight_ = true;
+    std::shared_ptr<Application> applicationRef_;
+    bool closed_ = false;
+};

@@ -1,0 +1,439 @@
+#include "language/ScintillaBuffer.h"
+
+#include "language/ISourceOp.h"
+#include "language/Utf8Columns.h"
+
+#include <Qsci/qsciscintillabase.h>
+#include <algorithm>
+
+namespace {
+
+// What the buffer listens to while an operation runs: its own undo token only. Insert and
+// delete notifications cost time in proportion to the document inside the component.
+constexpr long kOperationEventMask = QsciScintillaBase::SC_MOD_CONTAINER |
+                                     QsciScintillaBase::SC_PERFORMED_UNDO |
+                                     QsciScintillaBase::SC_PERFORMED_REDO;
+
+// What the buffer listens to otherwise: typing and undo tokens. Line-state changes are
+// left out, since the scanner sets them on every line it sees.
+constexpr long kNormalEventMask =
+    QsciScintillaBase::SC_MOD_INSERTTEXT | QsciScintillaBase::SC_MOD_DELETETEXT |
+    QsciScintillaBase::SC_MOD_CONTAINER | QsciScintillaBase::SC_PERFORMED_USER |
+    QsciScintillaBase::SC_PERFORMED_UNDO | QsciScintillaBase::SC_PERFORMED_REDO |
+    QsciScintillaBase::SC_MOD_CHANGEMARKER | QsciScintillaBase::SC_MOD_CHANGEFOLD;
+
+constexpr int kDefaultStyle = 0;
+
+} // namespace
+
+ScintillaBuffer::ScintillaBuffer(QsciScintillaBase& editor) : editor_(editor) {
+    sci(QsciScintillaBase::SCI_SETEOLMODE, QsciScintillaBase::SC_EOL_LF);
+    sci(QsciScintillaBase::SCI_SETMODEVENTMASK, kNormalEventMask);
+    connect(&editor_, &QsciScintillaBase::SCN_MODIFIED, this, &ScintillaBuffer::onModified);
+    connect(&editor_, &QsciScintillaBase::SCN_SAVEPOINTREACHED, this,
+            [this] { noteModified(lastModified_); });
+    connect(&editor_, &QsciScintillaBase::SCN_SAVEPOINTLEFT, this,
+            [this] { noteModified(lastModified_); });
+}
+
+ScintillaBuffer::~ScintillaBuffer() = default;
+
+long ScintillaBuffer::sci(unsigned int message, unsigned long wParam, long lParam) const {
+    return editor_.SendScintilla(message, wParam, lParam);
+}
+
+int32_t ScintillaBuffer::NumLines() const {
+    return static_cast<int32_t>(sci(QsciScintillaBase::SCI_GETLINECOUNT));
+}
+
+int32_t ScintillaBuffer::clampLine(int32_t line) const {
+    return std::clamp(line, 0, NumLines() - 1);
+}
+
+int32_t ScintillaBuffer::fetchLine(int32_t line) const {
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
+    const auto count = static_cast<int32_t>(std::max(0L, end - start));
+    lineBytes_.resize(static_cast<size_t>(count) + 1);
+    if (count > 0)
+        editor_.SendScintilla(QsciScintillaBase::SCI_GETTEXTRANGE, start, end, lineBytes_.data());
+    lineBytes_.resize(static_cast<size_t>(count));
+    return count;
+}
+
+void ScintillaBuffer::decodeLine(int32_t byteCount) const {
+    const char* bytes = lineBytes_.data();
+    if (Utf8Columns::IsAscii(bytes, byteCount)) {
+        // Widening in place keeps the string's capacity: no allocation per line.
+        lineText_.resize(byteCount);
+        QChar* out = lineText_.data();
+        for (int32_t i = 0; i < byteCount; ++i)
+            out[i] = QChar(static_cast<char16_t>(static_cast<unsigned char>(bytes[i])));
+    } else {
+        lineText_ = QString::fromUtf8(bytes, byteCount);
+    }
+}
+
+QString ScintillaBuffer::GetLine(int32_t line) const {
+    if (line < 0 || line >= NumLines())
+        return {};
+    decodeLine(fetchLine(line));
+    return lineText_;
+}
+
+int32_t ScintillaBuffer::GetLineLength(int32_t line) const {
+    if (line < 0 || line >= NumLines())
+        return 0;
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
+    const auto count = static_cast<int32_t>(end - start);
+    // The scanner asks for the length while it holds a view of lineText_: use a scratch
+    // buffer of its own here.
+    thread_local std::string scratch;
+    scratch.resize(static_cast<size_t>(count) + 1);
+    if (count > 0)
+        editor_.SendScintilla(QsciScintillaBase::SCI_GETTEXTRANGE, start, end, scratch.data());
+    return Utf8Columns::CodeUnits(scratch.data(), count);
+}
+
+int32_t ScintillaBuffer::GetLineData(int32_t line, int32_t word) const {
+    if (word != 1 || line < 0 || line >= NumLines())
+        return 0;
+    return static_cast<int32_t>(sci(QsciScintillaBase::SCI_GETLINESTATE, line));
+}
+
+void ScintillaBuffer::SetLineData(int32_t line, int32_t word, int32_t value) {
+    // The component keeps one word per line that moves with its line: word 1.
+    if (word != 1 || line < 0 || line >= NumLines())
+        return;
+    sci(QsciScintillaBase::SCI_SETLINESTATE, line, value);
+}
+
+long ScintillaBuffer::PositionOf(int32_t column, int32_t line) const {
+    if (line >= NumLines())
+        return sci(QsciScintillaBase::SCI_GETLENGTH);
+    line = std::max(line, 0);
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    if (column <= 0)
+        return start;
+    const int32_t count = fetchLine(line);
+    const char* bytes = lineBytes_.data();
+    if (Utf8Columns::IsAscii(bytes, count))
+        return start + std::min(column, count);
+    return start + Utf8Columns::ByteOffset(bytes, count, column);
+}
+
+void ScintillaBuffer::ColumnLineOf(long position, int32_t& column, int32_t& line) const {
+    line = static_cast<int32_t>(sci(QsciScintillaBase::SCI_LINEFROMPOSITION, position));
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    const auto offset = static_cast<int32_t>(position - start);
+    const int32_t count = fetchLine(line);
+    if (Utf8Columns::IsAscii(lineBytes_.data(), std::min(offset, count)))
+        column = std::min(offset, count);
+    else
+        column = Utf8Columns::Column(lineBytes_.data(), count, offset);
+}
+
+std::string ScintillaBuffer::toBufferText(const QString& text) const {
+    // Every line end becomes the buffer's own LF, so lines are counted one way only.
+    QByteArray utf8 = text.toUtf8();
+    std::string out;
+    out.reserve(static_cast<size_t>(utf8.size()));
+    for (qsizetype i = 0; i < utf8.size(); ++i) {
+        const char c = utf8[i];
+        if (c == '\r') {
+            out.push_back('\n');
+            if (i + 1 < utf8.size() && utf8[i + 1] == '\n')
+                ++i;
+        } else {
+            out.push_back(c);
+        }
+    }
+    return out;
+}
+
+void ScintillaBuffer::InsertText(int32_t column, int32_t line, const QString& text, int32_t,
+                                 int32_t& endColumn, int32_t& endLine) {
+    line = clampLine(line);
+    const long position = PositionOf(column, line);
+    int32_t startColumn = 0;
+    ColumnLineOf(position, startColumn, line);
+    const std::string bytes = toBufferText(text);
+    if (!bytes.empty())
+        editor_.SendScintilla(QsciScintillaBase::SCI_INSERTTEXT, position, bytes.c_str());
+
+    const auto lastBreak = bytes.rfind('\n');
+    const auto breaks = static_cast<int32_t>(std::count(bytes.begin(), bytes.end(), '\n'));
+    endLine = line + breaks;
+    if (lastBreak == std::string::npos) {
+        endColumn = startColumn + Utf8Columns::CodeUnits(bytes.data(),
+                                                         static_cast<int32_t>(bytes.size()));
+    } else {
+        const char* tail = bytes.data() + lastBreak + 1;
+        endColumn = Utf8Columns::CodeUnits(tail, static_cast<int32_t>(bytes.size() - lastBreak - 1));
+    }
+}
+
+void ScintillaBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t endColumn,
+                                 int32_t endLine) {
+    long from = PositionOf(startColumn, startLine);
+    long to = PositionOf(endColumn, endLine);
+    if (to < from)
+        std::swap(from, to);
+    if (to > from)
+        sci(QsciScintillaBase::SCI_DELETERANGE, static_cast<unsigned long>(from), to - from);
+}
+
+int ScintillaBuffer::scanInto(int32_t line, std::vector<SourceToken>& tokens) {
+    tokens.clear();
+    const int32_t byteCount = fetchLine(line);
+    decodeLine(byteCount);
+    const auto length = static_cast<int32_t>(lineText_.size());
+    if (!lex_) {
+        if (length > 0)
+            tokens.push_back({TokenKind::Plain, 0, length});
+        return byteCount;
+    }
+    lex_->ISourceLex4_BeginLineScan(*this, line, QStringView(lineText_), 0);
+    SourceToken token;
+    // A scanner that stops moving must not hang the editor: no line has more tokens than
+    // characters.
+    for (int32_t guard = 0; guard <= length + 1; ++guard) {
+        lex_->ISourceLex4_ScanToken(token);
+        if (token.Kind == TokenKind::End || token.Length <= 0)
+            break;
+        tokens.push_back(token);
+    }
+    bool rescanOthers = false;
+    lex_->ISourceLex4_EndLineScan(*this, rescanOthers);
+    return byteCount;
+}
+
+std::vector<SourceToken> ScintillaBuffer::ScanLine(int32_t line) {
+    std::vector<SourceToken> tokens;
+    if (line >= 0 && line < NumLines())
+        scanInto(line, tokens);
+    return tokens;
+}
+
+void ScintillaBuffer::UpdateLines(int32_t first, int32_t last, int32_t& scanTo) {
+    const int32_t count = NumLines();
+    first = std::max(first, 0);
+    last = std::min(std::max(last, scanTo), count - 1);
+    for (int32_t line = first; line <= last; ++line)
+        scanInto(line, tokens_);
+    scanTo = last;
+}
+
+int ScintillaBuffer::StyleOfKind(int32_t kind) {
+    switch (kind) {
+    case TokenKind::Label: return 1;
+    case TokenKind::Keyword: return 2;
+    case TokenKind::Separator: return 3;
+    case TokenKind::Comment: return 4;
+    case TokenKind::String: return 5;
+    case TokenKind::Normal: return 6;
+    case TokenKind::Reserved: return 7;
+    case TokenKind::ValueMark: return 8;
+    case TokenKind::SubvalueMark: return 9;
+    default: return kDefaultStyle;
+    }
+}
+
+void ScintillaBuffer::StyleLines(int32_t first, int32_t last) {
+    const int32_t count = NumLines();
+    first = std::max(first, 0);
+    last = std::min(last, count - 1);
+    for (int32_t line = first; line <= last; ++line) {
+        const int32_t byteCount = scanInto(line, tokens_);
+        const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+        const long next = line + 1 < count ? sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line + 1)
+                                           : sci(QsciScintillaBase::SCI_GETLENGTH);
+        const auto total = static_cast<size_t>(next - start);
+        styleBytes_.assign(total, static_cast<char>(kDefaultStyle));
+        const bool ascii = lineText_.size() == byteCount;
+        // Token offsets count code units; styles count bytes. Walk both in step.
+        int32_t unit = 0;
+        int32_t byte = 0;
+        const char* bytes = lineBytes_.data();
+        auto advanceTo = [&](int32_t targetUnit) {
+            if (ascii) {
+                byte = std::min(targetUnit, byteCount);
+                unit = byte;
+                return;
+            }
+            while (unit < targetUnit && byte < byteCount) {
+                const auto lead = static_cast<unsigned char>(bytes[byte]);
+                const int n = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+                unit += n == 4 ? 2 : 1;
+                byte = std::min(byte + n, byteCount);
+            }
+        };
+        for (const SourceToken& token : tokens_) {
+            advanceTo(token.Start);
+            const int32_t from = byte;
+            advanceTo(token.Start + token.Length);
+            std::fill(styleBytes_.begin() + from, styleBytes_.begin() + byte,
+                      static_cast<char>(StyleOfKind(token.Kind)));
+        }
+        sci(QsciScintillaBase::SCI_STARTSTYLING, static_cast<unsigned long>(start), 0xff);
+        editor_.SendScintilla(QsciScintillaBase::SCI_SETSTYLINGEX, static_cast<unsigned long>(total),
+                              styleBytes_.data());
+    }
+}
+
+void ScintillaBuffer::InvalidateStyles(int32_t fromLine) {
+    const long position = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, clampLine(fromLine));
+    if (position < sci(QsciScintillaBase::SCI_GETENDSTYLED))
+        sci(QsciScintillaBase::SCI_STARTSTYLING, static_cast<unsigned long>(position), 0xff);
+    editor_.viewport()->update();
+}
+
+void ScintillaBuffer::RefreshLines(int32_t, int32_t, int32_t, int32_t caretColumn,
+                                   int32_t caretLine) {
+    // The component repaints changed lines by itself; placing the caret also scrolls it
+    // into view.
+    sci(QsciScintillaBase::SCI_GOTOPOS, static_cast<unsigned long>(PositionOf(caretColumn, caretLine)));
+}
+
+void ScintillaBuffer::SetLex(std::shared_ptr<ISourceLex4> lex) {
+    lex_ = std::move(lex);
+    InvalidateStyles(0);
+}
+
+template <typename Fn> void ScintillaBuffer::runUnrecorded(Fn&& fn) {
+    const long mask = sci(QsciScintillaBase::SCI_GETMODEVENTMASK);
+    sci(QsciScintillaBase::SCI_SETMODEVENTMASK, kOperationEventMask);
+    sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 0);
+    struct Restore {
+        const ScintillaBuffer& b;
+        long mask;
+        ~Restore() {
+            b.sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1);
+            b.sci(QsciScintillaBase::SCI_SETMODEVENTMASK, mask);
+        }
+    } restore{*this, mask};
+    fn();
+}
+
+void ScintillaBuffer::ExecuteOp(std::unique_ptr<ISourceOp> op) {
+    if (!op)
+        return;
+    const bool before = Modified();
+    const auto token = static_cast<int>(ops_.size());
+    ISourceOp* raw = op.get();
+    ops_.push_back(std::move(op));
+    runUnrecorded([&] { raw->ISourceOp_DoOp(*this); });
+    // No coalescing: the operation is one undo step of its own.
+    sci(QsciScintillaBase::SCI_ADDUNDOACTION, static_cast<unsigned long>(token), 0);
+    noteModified(before);
+}
+
+void ScintillaBuffer::onModified(int, int type, const char*, int, int, int, int, int, int token,
+                                 int) {
+    if (!(type & QsciScintillaBase::SC_MOD_CONTAINER))
+        return;
+    const bool redo = type & QsciScintillaBase::SC_PERFORMED_REDO;
+    if (!redo && !(type & QsciScintillaBase::SC_PERFORMED_UNDO))
+        return;
+    // The component refuses edits from inside its notification: run the operation after.
+    pending_.push_back({token, redo});
+    if (inUndoRedo_ == 0)
+        QMetaObject::invokeMethod(this, &ScintillaBuffer::runPendingOps, Qt::QueuedConnection);
+}
+
+void ScintillaBuffer::runPendingOps() {
+    std::vector<PendingOp> pending;
+    pending.swap(pending_);
+    for (const PendingOp& p : pending) {
+        if (p.token < 0 || p.token >= static_cast<int>(ops_.size()) || !ops_[p.token])
+            continue;
+        ISourceOp* op = ops_[p.token].get();
+        runUnrecorded([&] {
+            if (p.redo)
+                op->ISourceOp_DoOp(*this);
+            else
+                op->ISourceOp_UndoOp(*this);
+        });
+    }
+}
+
+void ScintillaBuffer::Undo() {
+    const bool before = Modified();
+    ++inUndoRedo_;
+    sci(QsciScintillaBase::SCI_UNDO);
+    --inUndoRedo_;
+    runPendingOps();
+    noteModified(before);
+}
+
+void ScintillaBuffer::Redo() {
+    const bool before = Modified();
+    ++inUndoRedo_;
+    sci(QsciScintillaBase::SCI_REDO);
+    --inUndoRedo_;
+    runPendingOps();
+    noteModified(before);
+}
+
+bool ScintillaBuffer::CanUndo() const { return sci(QsciScintillaBase::SCI_CANUNDO) != 0; }
+
+bool ScintillaBuffer::CanRedo() const { return sci(QsciScintillaBase::SCI_CANREDO) != 0; }
+
+void ScintillaBuffer::ClearUndoStack() {
+    // Emptying the component's history also moves its save point; the modified state must
+    // not change by forgetting undo records.
+    const bool before = Modified();
+    sci(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
+    ops_.clear();
+    pending_.clear();
+    forcedModified_ = before;
+    noteModified(before);
+}
+
+void ScintillaBuffer::ClearAllBookmarks() {
+    sci(QsciScintillaBase::SCI_MARKERDELETEALL, BookmarkMarker);
+}
+
+bool ScintillaBuffer::Modified() const {
+    return forcedModified_ || sci(QsciScintillaBase::SCI_GETMODIFY) != 0;
+}
+
+void ScintillaBuffer::SetModified(bool modified) {
+    const bool before = Modified();
+    if (modified) {
+        forcedModified_ = true;
+    } else {
+        forcedModified_ = false;
+        sci(QsciScintillaBase::SCI_SETSAVEPOINT);
+    }
+    noteModified(before);
+}
+
+void ScintillaBuffer::noteModified(bool before) {
+    const bool now = Modified();
+    lastModified_ = now;
+    if (now != before)
+        Q_EMIT ModifiedChanged(now);
+}
+
+QString ScintillaBuffer::AllText() const {
+    const long length = sci(QsciScintillaBase::SCI_GETLENGTH);
+    QByteArray bytes(static_cast<qsizetype>(length) + 1, Qt::Uninitialized);
+    editor_.SendScintilla(QsciScintillaBase::SCI_GETTEXT, static_cast<unsigned long>(length + 1),
+                          static_cast<void*>(bytes.data()));
+    bytes.resize(static_cast<qsizetype>(length));
+    return QString::fromUtf8(bytes);
+}
+
+void ScintillaBuffer::SetAllText(const QString& text) {
+    const std::string bytes = toBufferText(text);
+    const bool before = Modified();
+    runUnrecorded([&] { editor_.SendScintilla(QsciScintillaBase::SCI_SETTEXT, bytes.c_str()); });
+    // The old records no longer fit the text.
+    sci(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
+    ops_.clear();
+    pending_.clear();
+    forcedModified_ = before;
+    noteModified(before);
+}

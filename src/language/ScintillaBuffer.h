@@ -1,0 +1,108 @@
+#pragma once
+
+#include "language/ISourceLex4.h"
+#include "language/SourceBuffer.h"
+
+#include <QObject>
+#include <QString>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QsciScintillaBase;
+
+// The buffer contract over a Scintilla document. Operations run with Scintilla's undo
+// collection off and its insert/delete notifications masked, so that their cost never
+// grows with the document, and stand on Scintilla's undo stack as container actions whose
+// token is the operation's index. Typing stays in Scintilla's own undo records.
+class ScintillaBuffer final : public QObject, public SourceBuffer {
+    Q_OBJECT
+
+public:
+    explicit ScintillaBuffer(QsciScintillaBase& editor);
+    ~ScintillaBuffer() override;
+
+    int32_t NumLines() const override;
+    QString GetLine(int32_t line) const override;
+    int32_t GetLineLength(int32_t line) const override;
+    int32_t GetLineData(int32_t line, int32_t word) const override;
+    void SetLineData(int32_t line, int32_t word, int32_t value) override;
+    void InsertText(int32_t column, int32_t line, const QString& text, int32_t reserved,
+                    int32_t& endColumn, int32_t& endLine) override;
+    void DeleteText(int32_t startColumn, int32_t startLine, int32_t endColumn,
+                    int32_t endLine) override;
+    void UpdateLines(int32_t first, int32_t last, int32_t& scanTo) override;
+    void RefreshLines(int32_t flags, int32_t first, int32_t last, int32_t caretColumn,
+                      int32_t caretLine) override;
+    std::shared_ptr<ISourceLex4> Lex() const override { return lex_; }
+    void SetLex(std::shared_ptr<ISourceLex4> lex) override;
+    void ExecuteOp(std::unique_ptr<ISourceOp> op) override;
+    void Undo() override;
+    void Redo() override;
+    bool CanUndo() const override;
+    bool CanRedo() const override;
+    void ClearUndoStack() override;
+    void ClearAllBookmarks() override;
+    bool Modified() const override;
+    void SetModified(bool modified) override;
+
+    using SourceBuffer::CanRedo;
+    using SourceBuffer::CanUndo;
+    using SourceBuffer::GetLine;
+    using SourceBuffer::GetLineLength;
+
+    // The whole text with the buffer's line ends, and replacing it (no undo record).
+    QString AllText() const;
+    void SetAllText(const QString& text);
+
+    // Scintilla byte position of a line and column, and back.
+    long PositionOf(int32_t column, int32_t line) const;
+    void ColumnLineOf(long position, int32_t& column, int32_t& line) const;
+
+    // Scans one line and gives its tokens; the scanner stores the line's flags.
+    std::vector<SourceToken> ScanLine(int32_t line);
+    // Scans and colours lines; called by the editor when it needs styles.
+    void StyleLines(int32_t first, int32_t last);
+    // Makes the editor colour again, lazily, from the given line on.
+    void InvalidateStyles(int32_t fromLine);
+
+    // The Scintilla style that shows a token kind.
+    static int StyleOfKind(int32_t kind);
+    static constexpr int BookmarkMarker = 1;
+
+Q_SIGNALS:
+    void ModifiedChanged(bool modified);
+
+private:
+    long sci(unsigned int message, unsigned long wParam = 0, long lParam = 0) const;
+    // Reads a line's bytes into lineBytes_ and returns their count (line end excluded).
+    int32_t fetchLine(int32_t line) const;
+    // Makes lineText_ the UTF-16 text of lineBytes_.
+    void decodeLine(int32_t byteCount) const;
+    int32_t clampLine(int32_t line) const;
+    template <typename Fn> void runUnrecorded(Fn&& fn);
+    void onModified(int position, int type, const char* text, int length, int added, int line,
+                    int foldNow, int foldPrev, int token, int annotationLines);
+    void runPendingOps();
+    void noteModified(bool before);
+    std::string toBufferText(const QString& text) const;
+    int scanInto(int32_t line, std::vector<SourceToken>& tokens);
+
+    QsciScintillaBase& editor_;
+    std::shared_ptr<ISourceLex4> lex_;
+    // Operations by undo token. Tokens of operations cut off the redo branch are not
+    // reused; the list is emptied with the undo stack.
+    std::vector<std::unique_ptr<ISourceOp>> ops_;
+    struct PendingOp {
+        int token;
+        bool redo;
+    };
+    std::vector<PendingOp> pending_;
+    int inUndoRedo_ = 0;
+    bool forcedModified_ = false;
+    bool lastModified_ = false;
+    mutable std::string lineBytes_;
+    mutable QString lineText_;
+    std::vector<SourceToken> tokens_;
+    std::string styleBytes_;
+};

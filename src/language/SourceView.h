@@ -1,0 +1,72 @@
+#pragma once
+
+#include <Qsci/qsciscintilla.h>
+#include <cstdint>
+#include <memory>
+
+class BufferLexer;
+class ScintillaBuffer;
+
+// The source editor control: shows and edits the lines of its buffer. Lines and columns
+// are zero-based, columns in 16-bit code units. Undo and redo go through the buffer, so
+// that operations and typing share one stack; value and subvalue marks show as glyphs.
+class SourceView : public QsciScintilla {
+    Q_OBJECT
+
+public:
+    explicit SourceView(QWidget* parent = nullptr);
+    ~SourceView() override;
+
+    ScintillaBuffer& Buffer() const { return *buffer_; }
+
+    int32_t CursorCol() const;
+    int32_t CursorLine() const;
+    bool HasSelection() const;
+    // Start is where the selection was begun, so it may lie behind the end.
+    void GetSelection(int32_t& startColumn, int32_t& startLine, int32_t& endColumn,
+                      int32_t& endLine) const;
+    // Selects; the caret goes to the end given. Columns past a line's end mean its end.
+    void SetSelection(int32_t startColumn, int32_t startLine, int32_t endColumn, int32_t endLine);
+    void SetCursor(int32_t column, int32_t line);
+
+    int32_t TabSize() const;
+    void SetTabSize(int32_t size);
+    bool LineWrap() const;
+    void SetLineWrap(bool wrap);
+    bool OvertypeMode() const;
+
+    // The text position under a point of the viewport (columns may be past the line end
+    // when the point is).
+    void PointToPosition(int x, int y, int32_t& column, int32_t& line) const;
+    // The position as displayed: tabs expanded and wrapped rows counted.
+    void ScreenPosition(int32_t column, int32_t line, int32_t& displayColumn,
+                        int32_t& displayLine) const;
+    int32_t FirstVisibleLine() const;
+    int32_t VisibleRows() const;
+
+    void Cut() { cut(); }
+    void Copy() { copy(); }
+    void Paste() { paste(); }
+
+    void ToggleBookmark(int32_t line);
+    bool HasBookmark(int32_t line) const;
+    // The caret goes to the next or previous bookmarked line, wrapping around.
+    void NextBookmark();
+    void PreviousBookmark();
+
+    BufferLexer& Lexer() const { return *lexer_; }
+
+Q_SIGNALS:
+    void ContextMenuRequested(const QPoint& globalPos);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    void setUpMarks();
+    void setUpStyles();
+
+    std::unique_ptr<ScintillaBuffer> buffer_;
+    BufferLexer* lexer_ = nullptr;
+};

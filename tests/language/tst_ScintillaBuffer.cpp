@@ -1,0 +1,359 @@
+#include "TestEnv.h"
+
+#include "language/ISourceLex4.h"
+#include "language/ISourceOp.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+
+#include <QKeyEvent>
+
+namespace {
+
+// Deletes `count` characters at the start of every line in a range, keeping what it took.
+class OpDeletePrefix final : public ISourceOp {
+public:
+    OpDeletePrefix(int first, int last, int count) : first_(first), last_(last), count_(count) {}
+    void ISourceOp_DoOp(SourceBuffer& b) override {
+        taken_.clear();
+        for (int line = first_; line <= last_; ++line) {
+            const QString text = b.GetLine(line);
+            taken_.push_back(text.left(count_));
+            b.DeleteText(0, line, std::min<int>(count_, text.size()), line);
+        }
+        int scanTo = last_;
+        b.UpdateLines(first_, last_, scanTo);
+        b.RefreshLines(70, first_, last_, 0, first_);
+    }
+    void ISourceOp_UndoOp(SourceBuffer& b) override {
+        int endColumn = 0;
+        int endLine = 0;
+        for (int line = first_; line <= last_; ++line)
+            b.InsertText(0, line, taken_[static_cast<size_t>(line - first_)], 0, endColumn, endLine);
+        b.RefreshLines(70, first_, last_, 0, first_);
+    }
+
+private:
+    int first_, last_, count_;
+    std::vector<QString> taken_;
+};
+
+// Stores each line's length plus 1000 as its flags and counts the lines it saw.
+class CountingLex final : public ISourceLex4 {
+public:
+    int linesSeen = 0;
+    void ISourceLex4_BeginLineScan(SourceBuffer&, int32_t line, QStringView text, int32_t) override {
+        line_ = line;
+        length_ = static_cast<int32_t>(text.size());
+        index_ = 0;
+        ++linesSeen;
+    }
+    void ISourceLex4_EndLineScan(SourceBuffer& b, bool& result) override {
+        b.SetLineData(line_, 1, 1000 + length_);
+        result = false;
+    }
+    QString ISourceLex4_GetDesiredCase(const QString&) override { return {}; }
+    void ISourceLex4_GetLineIndex(int32_t& i) override { i = index_; }
+    int32_t ISourceLex4_GetProperties(int32_t& p) override { return p = 0; }
+    void ISourceLex4_ScanToken(SourceToken& t) override {
+        t.Start = index_;
+        t.Length = length_ - index_;
+        t.Kind = t.Length > 0 ? TokenKind::Normal : TokenKind::End;
+        index_ = length_;
+    }
+    void ISourceLex4_SetLineIndex(int32_t i) override { index_ = i; }
+
+private:
+    int32_t line_ = 0, length_ = 0, index_ = 0;
+};
+
+void typeText(SourceView& view, const QString& text) {
+    for (QChar c : text)
+        QTest::keyClick(&view, c.toLatin1());
+}
+
+} // namespace
+
+class tst_ScintillaBuffer : public QObject {
+    Q_OBJECT
+    std::unique_ptr<SourceView> view;
+
+private Q_SLOTS:
+    void init() {
+        view = std::make_unique<SourceView>();
+        view->resize(600, 400);
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    }
+    void cleanup() { view.reset(); }
+
+    void emptyBufferHasOneLine() {
+        ScintillaBuffer& b = view->Buffer();
+        QCOMPARE(b.NumLines(), 1);
+        QCOMPARE(b.GetLine(0), QString());
+        QCOMPARE(b.GetLineLength(0), 0);
+        QCOMPARE(b.GetLine(5), QString());
+    }
+
+    void insertTextMakesLines_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("lines");
+        QTest::addColumn<int>("endColumn");
+        QTest::addColumn<int>("endLine");
+        QTest::newRow("plain") << "abc" << 1 << 5 << 0;
+        QTest::newRow("crlf") << "ab\r\ncd" << 2 << 2 << 1;
+        QTest::newRow("lf") << "ab\ncd" << 2 << 2 << 1;
+        QTest::newRow("bare cr") << "ab\rcd" << 2 << 2 << 1;
+        QTest::newRow("blank line") << "a\r\n\r\nb" << 3 << 1 << 2;
+        QTest::newRow("trailing crlf") << "a\r\n" << 2 << 0 << 1;
+        QTest::newRow("non-bmp") << QString::fromUtf8("x\xF0\x9F\x98\x80y") << 1 << 6 << 0;
+    }
+    void insertTextMakesLines() {
+        QFETCH(QString, text);
+        QFETCH(int, lines);
+        QFETCH(int, endColumn);
+        QFETCH(int, endLine);
+        ScintillaBuffer& b = view->Buffer();
+        int ec = 0, el = 0;
+        b.InsertText(0, 0, QStringLiteral("12"), 0, ec, el);
+        b.InsertText(2, 0, text, 0, ec, el);
+        QCOMPARE(b.NumLines(), lines);
+        QCOMPARE(ec, endColumn);
+        QCOMPARE(el, endLine);
+        QVERIFY(!b.GetLine(0).contains(QLatin1Char('\r')));
+    }
+
+    // Columns count 16-bit code units on every kind of line.
+    void columnsInCodeUnits_data() {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("insert");
+        QTest::addColumn<QString>("expected");
+        const QString e = QString::fromUtf8("\xC3\xA9");         // é, 2 bytes
+        const QString euro = QString::fromUtf8("\xE2\x82\xAC");  // €, 3 bytes
+        const QString smile = QString::fromUtf8("\xF0\x9F\x98\x80"); // surrogate pair
+        QTest::newRow("ascii") << "abcd" << 2 << "X" << "abXcd";
+        QTest::newRow("two-byte") << (e + e + "z") << 2 << "X" << (e + e + "Xz");
+        QTest::newRow("three-byte") << (euro + "a") << 1 << "X" << (euro + "Xa");
+        QTest::newRow("after pair") << ("a" + smile + "b") << 3 << "X" << ("a" + smile + "Xb");
+        QTest::newRow("past end") << "ab" << 40 << "X" << "abX";
+        QTest::newRow("mark") << QString("a\x1d" "b") << 2 << "X" << QString("a\x1dXb");
+    }
+    void columnsInCodeUnits() {
+        QFETCH(QString, line);
+        QFETCH(int, column);
+        QFETCH(QString, insert);
+        QFETCH(QString, expected);
+        ScintillaBuffer& b = view->Buffer();
+        int ec = 0, el = 0;
+        b.InsertText(0, 0, line, 0, ec, el);
+        QCOMPARE(b.GetLineLength(0), line.size());
+        b.InsertText(column, 0, insert, 0, ec, el);
+        QCOMPARE(b.GetLine(0), expected);
+        const int at = expected.indexOf(insert);
+        QCOMPARE(ec, at + insert.size());
+        b.DeleteText(at, 0, at + insert.size(), 0);
+        QCOMPARE(b.GetLine(0), line);
+        view->SetCursor(at, 0);
+        QCOMPARE(view->CursorCol(), at);
+    }
+
+    void selectionKeepsItsDirection_data() {
+        QTest::addColumn<int>("sc");
+        QTest::addColumn<int>("sl");
+        QTest::addColumn<int>("ec");
+        QTest::addColumn<int>("el");
+        QTest::newRow("forward") << 1 << 0 << 2 << 1;
+        QTest::newRow("backward") << 2 << 1 << 1 << 0;
+        QTest::newRow("same line backward") << 3 << 0 << 0 << 0;
+    }
+    void selectionKeepsItsDirection() {
+        QFETCH(int, sc);
+        QFETCH(int, sl);
+        QFETCH(int, ec);
+        QFETCH(int, el);
+        int c = 0, l = 0;
+        view->Buffer().InsertText(0, 0, QStringLiteral("abcd\r\nefgh"), 0, c, l);
+        view->SetSelection(sc, sl, ec, el);
+        int a = -1, b = -1, d = -1, e = -1;
+        view->GetSelection(a, b, d, e);
+        QCOMPARE(QList<int>({a, b, d, e}), QList<int>({sc, sl, ec, el}));
+        QCOMPARE(view->CursorCol(), ec);
+        QCOMPARE(view->CursorLine(), el);
+        QVERIFY(view->HasSelection());
+        view->SetSelection(0, 0, 32767, 1); // whole lines: the end column means the line's end
+        view->GetSelection(a, b, d, e);
+        QCOMPARE(d, 4);
+    }
+
+    // Operations and typing share one stack, in the order they happened.
+    void operationsInterleaveWithTyping() {
+        ScintillaBuffer& b = view->Buffer();
+        int c = 0, l = 0;
+        b.InsertText(0, 0, QStringLiteral("abcdef\r\nghijkl\r\nmnopqr"), 0, c, l);
+        b.ClearUndoStack();
+        const QString original = b.AllText();
+
+        view->SetCursor(6, 2);
+        typeText(*view, QStringLiteral("XY"));
+        const QString typed = b.AllText();
+        QCOMPARE(typed, QStringLiteral("abcdef\nghijkl\nmnopqrXY"));
+
+        b.ExecuteOp(std::make_unique<OpDeletePrefix>(0, 2, 3));
+        const QString afterOp = b.AllText();
+        QCOMPARE(afterOp, QStringLiteral("def\njkl\npqrXY"));
+
+        view->SetCursor(0, 0);
+        typeText(*view, QStringLiteral("Z"));
+        QCOMPARE(b.AllText(), QStringLiteral("Zdef\njkl\npqrXY"));
+
+        b.Undo();
+        QCOMPARE(b.AllText(), afterOp);
+        b.Undo();
+        QCOMPARE(b.AllText(), typed);
+        b.Undo();
+        QCOMPARE(b.AllText(), original.left(original.size()));
+        QVERIFY(!b.CanUndo());
+
+        // Redo runs DoOp on the buffer as it was before the first run.
+        b.Redo();
+        QCOMPARE(b.AllText(), typed);
+        b.Redo();
+        QCOMPARE(b.AllText(), afterOp);
+        b.Redo();
+        QCOMPARE(b.AllText(), QStringLiteral("Zdef\njkl\npqrXY"));
+        QVERIFY(!b.CanRedo());
+
+        // And once more down and up, to see the same object serve any number of times.
+        b.Undo();
+        b.Undo();
+        b.Redo();
+        QCOMPARE(b.AllText(), afterOp);
+    }
+
+    // The keys of the control reach the operations too.
+    void undoKeysRunOperations() {
+        ScintillaBuffer& b = view->Buffer();
+        int c = 0, l = 0;
+        b.InsertText(0, 0, QStringLiteral("abcd\r\nefgh"), 0, c, l);
+        b.ClearUndoStack();
+        b.ExecuteOp(std::make_unique<OpDeletePrefix>(0, 1, 2));
+        QCOMPARE(b.AllText(), QStringLiteral("cd\ngh"));
+        QTest::keyClick(view.get(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(b.AllText(), QStringLiteral("abcd\nefgh"));
+        QTest::keyClick(view.get(), Qt::Key_Y, Qt::ControlModifier);
+        QCOMPARE(b.AllText(), QStringLiteral("cd\ngh"));
+        QTest::keyClick(view.get(), Qt::Key_Backspace, Qt::AltModifier);
+        QCOMPARE(b.AllText(), QStringLiteral("abcd\nefgh"));
+    }
+
+    void modifiedFollowsTheSavePoint() {
+        ScintillaBuffer& b = view->Buffer();
+        QSignalSpy spy(&b, &ScintillaBuffer::ModifiedChanged);
+        QVERIFY(!b.Modified());
+        typeText(*view, QStringLiteral("ab"));
+        QVERIFY(b.Modified());
+        b.SetModified(false);
+        QVERIFY(!b.Modified());
+        b.ExecuteOp(std::make_unique<OpDeletePrefix>(0, 0, 1));
+        QVERIFY(b.Modified());
+        b.Undo();
+        QVERIFY(!b.Modified()); // back at the save point
+        b.Undo();
+        QVERIFY(b.Modified()); // behind it
+        b.Redo();
+        QVERIFY(!b.Modified());
+        b.SetModified(true);
+        QVERIFY(b.Modified());
+        b.ClearUndoStack();
+        QVERIFY(b.Modified()); // forgetting records does not change the state
+        QVERIFY(spy.count() >= 5);
+        QVERIFY(!spy.last().at(0).toBool() || b.Modified());
+    }
+
+    void lineDataMovesWithItsLine() {
+        ScintillaBuffer& b = view->Buffer();
+        int c = 0, l = 0;
+        b.InsertText(0, 0, QStringLiteral("a\r\nb\r\nc"), 0, c, l);
+        b.SetLineData(0, 1, 11);
+        b.SetLineData(1, 1, 22);
+        b.SetLineData(2, 1, 33);
+        b.InsertText(1, 0, QStringLiteral("xyz"), 0, c, l); // an edit of another line
+        QCOMPARE(b.GetLineData(1, 1), 22);
+        b.InsertText(0, 1, QStringLiteral("new\r\n"), 0, c, l); // a line pushed in front of line 1
+        QCOMPARE(b.GetLineData(0, 1), 11);
+        QCOMPARE(b.GetLineData(2, 1), 22);
+        QCOMPARE(b.GetLineData(3, 1), 33);
+        b.DeleteText(0, 0, 0, 1); // line 0 goes
+        QCOMPARE(b.GetLineData(2, 1), 33);
+        QCOMPARE(b.GetLineData(0, 2), 0); // the component keeps word 1 only
+    }
+
+    void updateLinesScansEveryNamedLine() {
+        ScintillaBuffer& b = view->Buffer();
+        auto lex = std::make_shared<CountingLex>();
+        b.SetLex(lex);
+        int c = 0, l = 0;
+        b.InsertText(0, 0, QStringLiteral("a\r\nbb\r\nccc\r\ndddd"), 0, c, l);
+        lex->linesSeen = 0;
+        int scanTo = 2;
+        b.UpdateLines(1, 2, scanTo);
+        QCOMPARE(lex->linesSeen, 2);
+        QCOMPARE(scanTo, 2);
+        QCOMPARE(b.GetLineData(1, 1), 1002);
+        QCOMPARE(b.GetLineData(2, 1), 1003);
+        scanTo = 99;
+        b.UpdateLines(0, 99, scanTo);
+        QCOMPARE(scanTo, 3);
+        QCOMPARE(b.GetLineData(3, 1), 1004);
+        const auto tokens = b.ScanLine(3);
+        QCOMPARE(tokens.size(), size_t(1));
+        QCOMPARE(tokens[0].Length, 4);
+    }
+
+    void bookmarksByKeys() {
+        ScintillaBuffer& b = view->Buffer();
+        int c = 0, l = 0;
+        b.InsertText(0, 0, QStringLiteral("0\r\n1\r\n2\r\n3\r\n4"), 0, c, l);
+        view->SetCursor(0, 1);
+        QTest::keyClick(view.get(), Qt::Key_F2, Qt::ControlModifier);
+        view->SetCursor(0, 3);
+        QTest::keyClick(view.get(), Qt::Key_F2, Qt::ControlModifier);
+        QVERIFY(view->HasBookmark(1) && view->HasBookmark(3));
+        view->SetCursor(0, 0);
+        QTest::keyClick(view.get(), Qt::Key_F2);
+        QCOMPARE(view->CursorLine(), 1);
+        QTest::keyClick(view.get(), Qt::Key_F2);
+        QCOMPARE(view->CursorLine(), 3);
+        QTest::keyClick(view.get(), Qt::Key_F2); // wraps around
+        QCOMPARE(view->CursorLine(), 1);
+        QTest::keyClick(view.get(), Qt::Key_F2, Qt::ShiftModifier);
+        QCOMPARE(view->CursorLine(), 3);
+        QTest::keyClick(view.get(), Qt::Key_F2, Qt::ControlModifier); // toggles off
+        QVERIFY(!view->HasBookmark(3));
+        b.ClearAllBookmarks();
+        QVERIFY(!view->HasBookmark(1));
+    }
+
+    void marksStayInTheText() {
+        ScintillaBuffer& b = view->Buffer();
+        int c = 0, l = 0;
+        b.InsertText(0, 0, QString("A\x1d" "B\x1c" "C"), 0, c, l);
+        QCOMPARE(b.GetLine(0), QString("A\x1d" "B\x1c" "C"));
+        QCOMPARE(b.GetLineLength(0), 5);
+        char shown[8] = {};
+        view->SendScintilla(QsciScintillaBase::SCI_GETREPRESENTATION, reinterpret_cast<uintptr_t>("\x1d"), shown);
+        QCOMPARE(QByteArray(shown), QByteArray("]"));
+    }
+
+    void setAllTextReplacesAndForgetsRecords() {
+        ScintillaBuffer& b = view->Buffer();
+        typeText(*view, QStringLiteral("old"));
+        b.SetAllText(QStringLiteral("one\r\ntwo\rthree"));
+        QCOMPARE(b.NumLines(), 3);
+        QCOMPARE(b.AllText(), QStringLiteral("one\ntwo\nthree"));
+        QVERIFY(!b.CanUndo());
+    }
+};
+
+BRIX_TEST_MAIN(tst_ScintillaBuffer)
+#include "tst_ScintillaBuffer.moc"
