@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <chrono>
+#include <vector>
+
+namespace Bench {
+
+// A MultiValue BASIC program of `lines` lines, about 53 bytes a line on average: labels,
+// nested IF/FOR/LOOP blocks, comments, strings with marks, CALLs and GOSUBs.
+QString Program(int lines = 1000000);
+
+// Prints one figure as "BENCH name=<name> value=<number> unit=<unit>".
+void Report(const char* name, double value, const char* unit);
+
+double Median(std::vector<double> values);
+
+class Stopwatch {
+public:
+    Stopwatch() : start_(std::chrono::steady_clock::now()) {}
+    double Ms() const { return Us() / 1000.0; }
+    double Us() const {
+        return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start_)
+            .count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point start_;
+};
+
+} // namespace Bench
