@@ -3,6 +3,7 @@
 #include <QString>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 class mvHost;
 
@@ -44,4 +45,15 @@ public:
 
     virtual bool HostAllows(int32_t code) = 0;
     virtual std::shared_ptr<mvHost> Host() = 0;
+
+    // What a folder-like resource holds, for the browser: accounts of a host, files of an
+    // account, items of a file, entries of a local folder.
+    struct Child {
+        QString Name;
+        // Can be gone into (an account, a directory-type file, a folder).
+        bool Container = false;
+        // Can be opened as text.
+        bool Item = false;
+    };
+    virtual std::vector<Child> Children() { return {}; }
 };

@@ -1,0 +1,138 @@
+#include "documents/ConnectionProfiles.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QSettings>
+#include <QStandardPaths>
+
+namespace {
+
+const QString kDemoName = QStringLiteral("demo");
+
+bool toBool(const QVariant& value, bool fallback) {
+    const QString text = value.toString().trimmed().toLower();
+    if (text.isEmpty())
+        return fallback;
+    return text == QLatin1String("true") || text == QLatin1String("yes") ||
+           text == QLatin1String("1") || text == QLatin1String("on");
+}
+
+QString expandHome(const QString& path) {
+    if (path == QLatin1String("~") || path.startsWith(QLatin1String("~/")))
+        return QDir::homePath() + path.mid(1);
+    return path;
+}
+
+} // namespace
+
+QString ConnectionProfiles::DefaultFile() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/Tolvek/Brix/connections.conf");
+}
+
+QString ConnectionProfiles::DemoAccountFolder() {
+    QStringList candidates;
+    if (QCoreApplication::instance()) {
+        const QString exe = QCoreApplication::applicationDirPath();
+        candidates << exe + QStringLiteral("/examples/demo")
+                   << exe + QStringLiteral("/../share/brix/examples/demo");
+    }
+#ifdef BRIX_SOURCE_DIR
+    candidates << QStringLiteral(BRIX_SOURCE_DIR "/examples/demo");
+#endif
+    for (const QString& candidate : candidates) {
+        if (QFileInfo(candidate).isDir())
+            return QDir(candidate).canonicalPath();
+    }
+    return {};
+}
+
+HostProfile ConnectionProfiles::Demo() {
+    HostProfile demo;
+    demo.Name = kDemoName;
+    demo.Label = QStringLiteral("Demo");
+    demo.Accounts.append({QStringLiteral("DEMO"), DemoAccountFolder()});
+    demo.DefaultAccount = QStringLiteral("DEMO");
+    return demo;
+}
+
+void ConnectionProfiles::Load(const QString& file) {
+    profiles_.clear();
+    Warnings.clear();
+    defaultName_.clear();
+    if (QFileInfo::exists(file)) {
+        QSettings ini(file, QSettings::IniFormat);
+        if (ini.status() != QSettings::NoError)
+            Warnings << QStringLiteral("The connections file %1 could not be read.").arg(file);
+        for (const QString& group : ini.childGroups()) {
+            ini.beginGroup(group);
+            HostProfile p;
+            p.Name = group;
+            p.Label = ini.value(QStringLiteral("Label")).toString();
+            p.Transport = ini.value(QStringLiteral("Transport"), QStringLiteral("local"))
+                              .toString()
+                              .trimmed()
+                              .toLower();
+            p.AccountsFolder = expandHome(ini.value(QStringLiteral("AccountsFolder")).toString());
+            ini.beginGroup(QStringLiteral("Accounts"));
+            for (const QString& key : ini.childKeys())
+                p.Accounts.append({key, expandHome(ini.value(key).toString())});
+            ini.endGroup();
+            p.DefaultAccount = ini.value(QStringLiteral("DefaultAccount")).toString();
+            p.CommandLine = ini.value(QStringLiteral("Command")).toString();
+            p.AllowCommands = toBool(ini.value(QStringLiteral("AllowCommands")), false);
+            const QString marks = ini.value(QStringLiteral("Marks"), QStringLiteral("raw"))
+                                      .toString()
+                                      .trimmed()
+                                      .toLower();
+            p.RawMarks = marks != QLatin1String("utf8") && marks != QLatin1String("utf-8");
+            bool known = true;
+            p.Charset = ItemTextCodec::CharsetFromName(
+                ini.value(QStringLiteral("Charset"),
+                          p.RawMarks ? QStringLiteral("ISO-8859-1") : QStringLiteral("UTF-8"))
+                    .toString(),
+                &known);
+            if (!known)
+                Warnings << QStringLiteral(
+                                "Connection %1: unknown character set, ISO-8859-1 is used.")
+                                .arg(group);
+            p.ItemNames = ItemIdCodec::ModeFromName(
+                ini.value(QStringLiteral("ItemNames")).toString(), &known);
+            if (!known)
+                Warnings << QStringLiteral(
+                                "Connection %1: unknown item name mapping, plain is used.")
+                                .arg(group);
+            const QString lockFolder = ini.value(QStringLiteral("LockFolder")).toString().trimmed();
+            if (!lockFolder.isEmpty() && !lockFolder.contains(QLatin1Char('/')) &&
+                lockFolder != QLatin1String("..") && lockFolder != QLatin1String("."))
+                p.LockFolder = lockFolder;
+            if (p.Transport != QLatin1String("local"))
+                Warnings << QStringLiteral("Connection %1: transport \"%2\" is not available.")
+                                .arg(group, p.Transport);
+            ini.endGroup();
+            profiles_.push_back(std::move(p));
+        }
+        defaultName_ = ini.value(QStringLiteral("Default")).toString();
+    }
+    if (!Find(kDemoName))
+        profiles_.push_back(Demo());
+    if (defaultName_.isEmpty() || !Find(defaultName_))
+        defaultName_ = profiles_.size() > 1 ? profiles_.front().Name : kDemoName;
+}
+
+const HostProfile* ConnectionProfiles::Find(const QString& server) const {
+    const QString name = server.isEmpty() || server == QLatin1String("*") ? defaultName_ : server;
+    for (const HostProfile& p : profiles_) {
+        if (p.Name.compare(name, Qt::CaseInsensitive) == 0)
+            return &p;
+    }
+    return nullptr;
+}
+
+QStringList ConnectionProfiles::Names() const {
+    QStringList names;
+    for (const HostProfile& p : profiles_)
+        names << p.Name;
+    return names;
+}

@@ -1,0 +1,93 @@
+#include "documents/FileResource.h"
+
+#include "documents/ConnectionErrors.h"
+#include "documents/LocalTransport.h"
+#include "documents/mvHost.h"
+#include "documents/mvPath.h"
+
+#include <algorithm>
+
+FileResource::FileResource(QString folder, QString name)
+    : folder_(std::move(folder)), name_(std::move(name)),
+      files_(std::make_shared<LocalTransport>()) {
+    if (name_.contains(QLatin1Char('/')) || name_ == QLatin1String(".."))
+        throw BrixError(ConnectionErrors::BadPath,
+                        QStringLiteral("\"%1\" is not a file name.").arg(name_));
+}
+
+QString FileResource::FullName() const {
+    if (name_.isEmpty())
+        return folder_;
+    return (folder_.endsWith(QLatin1Char('/')) ? folder_ : folder_ + QLatin1Char('/')) + name_;
+}
+
+QString FileResource::Path() const {
+    return mvPath{QStringLiteral("file"), {}, {}, folder_, name_}.ToString();
+}
+
+bool FileResource::IsItem() const {
+    if (name_.isEmpty() || name_ == QLatin1String("."))
+        return false;
+    return !files_->Stat(FullName()).IsFolder;
+}
+
+bool FileResource::Exists() const {
+    return files_->Stat(FullName()).Exists;
+}
+
+bool FileResource::ReadOnly() const {
+    if (readOnly_)
+        return true;
+    const HostTransport::FileInfo info = files_->Stat(FullName());
+    if (info.Exists)
+        return !info.Writable;
+    return !files_->Stat(folder_).Writable;
+}
+
+QString FileResource::ReadText() {
+    if (!IsItem())
+        throw BrixError(ConnectionErrors::NotAnItem,
+                        QStringLiteral("%1 is a folder, not a file.").arg(FullName()));
+    try {
+        return codec_.Decode(files_->ReadFile(FullName()));
+    } catch (const BrixError& e) {
+        throw BrixError(e.Number,
+                        QStringLiteral("The file could not be read. %1").arg(e.Description));
+    }
+}
+
+void FileResource::WriteText(const QString& text) {
+    if (!IsItem())
+        throw BrixError(ConnectionErrors::NotAnItem,
+                        QStringLiteral("%1 is a folder, not a file.").arg(FullName()));
+    if (ReadOnly())
+        throw BrixError(BrixErrors::CannotWrite,
+                        QStringLiteral("%1 can't be written: it is read-only.").arg(FullName()));
+    const QByteArray bytes = codec_.Encode(text, FullName());
+    try {
+        files_->WriteFile(FullName(), bytes);
+    } catch (const BrixError& e) {
+        throw BrixError(e.Number,
+                        QStringLiteral("%1 was not saved; the file on disk is unchanged. %2")
+                            .arg(FullName(), e.Description));
+    }
+}
+
+std::shared_ptr<mvHost> FileResource::Host() {
+    return std::make_shared<mvHost>(nullptr, nullptr, QString());
+}
+
+std::vector<mvResource::Child> FileResource::Children() {
+    std::vector<Child> children;
+    for (const auto& entry : files_->List(FullName())) {
+        if (entry.Name.startsWith(QLatin1Char('.')))
+            continue;
+        children.push_back({entry.Name, entry.IsFolder, !entry.IsFolder});
+    }
+    std::sort(children.begin(), children.end(), [](const Child& a, const Child& b) {
+        if (a.Container != b.Container)
+            return a.Container;
+        return a.Name.compare(b.Name, Qt::CaseInsensitive) < 0;
+    });
+    return children;
+}

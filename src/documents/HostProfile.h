@@ -1,0 +1,31 @@
+#pragma once
+
+#include "documents/ItemIdCodec.h"
+#include "documents/ItemTextCodec.h"
+
+#include <QList>
+#include <QPair>
+#include <QString>
+
+// One connection profile: how to reach a host's accounts and how its files hold items.
+// An "mvdb" path names it by its name as the server; "*" is the default profile.
+struct HostProfile {
+    QString Name;
+    // Shown in titles ("BP MAIN on PROD"); empty gives none.
+    QString Label;
+    // "local" (this machine); other transports bring their own keys.
+    QString Transport = QStringLiteral("local");
+    // Every folder inside is an account of that name.
+    QString AccountsFolder;
+    // Accounts elsewhere, by name.
+    QList<QPair<QString, QString>> Accounts;
+    QString DefaultAccount;
+    // The program and its arguments that run one TCL command, given as the last argument.
+    QString CommandLine;
+    bool AllowCommands = false;
+    bool RawMarks = true;
+    ItemTextCodec::Charset Charset = ItemTextCodec::Charset::Latin1;
+    ItemIdCodec::Mode ItemNames = ItemIdCodec::Mode::Plain;
+    // Inside each account.
+    QString LockFolder = QStringLiteral(".brix-locks");
+};

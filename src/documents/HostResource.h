@@ -1,0 +1,69 @@
+#pragma once
+
+#include "documents/ItemIdCodec.h"
+#include "documents/ItemTextCodec.h"
+#include "documents/mvResource.h"
+
+#include <memory>
+
+class ItemLock;
+struct HostProfile;
+
+// An item of a directory-type file on a host, or a folder-like level above it (the host,
+// an account, a file). Items are the files of the file's folder; a file that is a plain
+// OS file, or a folder with DATA.30/OVER.30 or %0/%1, is a hashed file: a file
+// definition whose items can't be opened here.
+class HostResource final : public mvResource {
+public:
+    // Raises for an account that isn't there and for names that can't be file names.
+    // `server` is kept as given (it may be "*").
+    HostResource(std::shared_ptr<mvHost> host, QString server, QString database, QString folder,
+                 QString itemId);
+    ~HostResource() override;
+
+    QString Path() const override;
+    QString Provider() const override { return QStringLiteral("mvdb"); }
+    QString ServerName() const override { return server_; }
+    QString Database() const override { return database_; }
+    QString Folder() const override { return folder_; }
+    QString ItemID() const override { return item_; }
+    QString DisplayID() const override;
+    QString ShortName() const override { return DisplayID(); }
+    QString HostLabel() const override;
+    QString HostDatabaseLabel() const override;
+    QString FolderLabel() const override { return folder_; }
+
+    bool IsItem() const override;
+    bool Exists() const override;
+    bool ReadOnly() const override;
+    void SetReadOnly(bool readOnly) override { readOnly_ = readOnly; }
+
+    QString ReadText() override;
+    void WriteText(const QString& text) override;
+    void Commit() override {}
+
+    void SetLocked(bool locked) override;
+    bool Locked() const override;
+    void Release() override;
+
+    bool HostAllows(int32_t code) override;
+    std::shared_ptr<mvHost> Host() override { return host_; }
+    std::vector<Child> Children() override;
+
+    // Where the item lives on the host's machine (empty above the item level).
+    QString ItemFile() const { return itemFile_; }
+    // True when the file (or the item's file) is a hashed file.
+    bool HashedFile() const;
+
+private:
+    const HostProfile& profile() const;
+    QString itemLabel() const;
+
+    std::shared_ptr<mvHost> host_;
+    QString server_, database_, folder_, item_;
+    QString accountFolder_, fileFolder_, itemFile_;
+    ItemIdCodec names_;
+    ItemTextCodec codec_;
+    std::unique_ptr<ItemLock> lock_;
+    bool readOnly_ = false;
+};

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+// What the connection layer needs of the machine that holds a host's files: plain file
+// operations on absolute paths there, and running a program there without a shell. The
+// local transport does this on this machine; a remote one does the same over its channel.
+// Every member raises a BrixError with a readable description when it fails.
+class HostTransport {
+public:
+    struct FileInfo {
+        bool Exists = false;
+        bool IsFolder = false;
+        bool IsFile = false;
+        // By the file's permission bits as they apply to this user (owner, group, other),
+        // and false on a read-only file system.
+        bool Writable = false;
+        unsigned Mode = 0;
+        qint64 Size = 0;
+    };
+    struct Entry {
+        QString Name;
+        bool IsFolder = false;
+    };
+
+    virtual ~HostTransport() = default;
+
+    // Names the machine and the way there, so that two transports to one place agree.
+    virtual QString Place() const = 0;
+
+    // A missing path is no error: Exists is false.
+    virtual FileInfo Stat(const QString& path) = 0;
+    // The entries of a folder, without "." and "..".
+    virtual std::vector<Entry> List(const QString& folder) = 0;
+    virtual QByteArray ReadFile(const QString& path) = 0;
+    // Replaces or creates the file whole and atomically, keeping the mode of the file it
+    // replaces. Permission and read-only failures are BrixErrors::CannotWrite.
+    virtual void WriteFile(const QString& path, const QByteArray& bytes) = 0;
+    // Creates the file with its full content at once; false if something is there.
+    virtual bool CreateExclusive(const QString& path, const QByteArray& bytes) = 0;
+    // False if `from` is not there.
+    virtual bool Rename(const QString& from, const QString& to) = 0;
+    // A missing file is no error.
+    virtual void Remove(const QString& path) = 0;
+    virtual void MakeFolder(const QString& path) = 0;
+    // Runs the program with its arguments, none of which a shell sees; gives the output,
+    // standard error included.
+    virtual QByteArray Run(const QStringList& command, const QString& workingFolder,
+                           int& exitCode) = 0;
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "documents/HostProfile.h"
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+class HostTransport;
+
+// The connection to a host as one resource sees it: its profile, the transport to its
+// machine and the account in use. A local file's host has no profile and runs nothing.
+class mvHost {
+public:
+    struct SessionInfo {
+        QString AccountName;
+    };
+
+    mvHost(std::shared_ptr<const HostProfile> profile, std::shared_ptr<HostTransport> transport,
+           QString account);
+
+    // Runs one TCL command through the profile's command line, the command being one
+    // argument: no shell sees its text. Gives the output.
+    QString Execute(const QString& command, const QString& reserved = QString(), int32_t flags = 0);
+    SessionInfo Session() const { return {account_}; }
+    bool AllowsCommands() const;
+
+    // The folder of an account, by name without regard to case; raises
+    // ConnectionErrors::UnknownAccount when there is none.
+    QString AccountFolder(const QString& account) const;
+    QStringList AccountNames() const;
+
+    const HostProfile* Profile() const { return profile_.get(); }
+    const std::shared_ptr<HostTransport>& Transport() const { return transport_; }
+
+private:
+    std::shared_ptr<const HostProfile> profile_;
+    std::shared_ptr<HostTransport> transport_;
+    QString account_;
+};
