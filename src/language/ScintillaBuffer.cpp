@@ -8,19 +8,12 @@
 
 namespace {
 
-// What the buffer listens to while an operation runs: its own undo token only. Insert and
-// delete notifications cost time in proportion to the document inside the component.
-constexpr long kOperationEventMask = QsciScintillaBase::SC_MOD_CONTAINER |
-                                     QsciScintillaBase::SC_PERFORMED_UNDO |
-                                     QsciScintillaBase::SC_PERFORMED_REDO;
-
-// What the buffer listens to otherwise: typing and undo tokens. Line-state changes are
-// left out, since the scanner sets them on every line it sees.
+// Notifications of inserts and deletes are never let through: the component answers each
+// with a walk from the start of the document to the change. Only the undo tokens of
+// operations are wanted (their notification carries the performed-undo/redo flag too).
+constexpr long kOperationEventMask = QsciScintillaBase::SC_MOD_CONTAINER;
 constexpr long kNormalEventMask =
-    QsciScintillaBase::SC_MOD_INSERTTEXT | QsciScintillaBase::SC_MOD_DELETETEXT |
-    QsciScintillaBase::SC_MOD_CONTAINER | QsciScintillaBase::SC_PERFORMED_USER |
-    QsciScintillaBase::SC_PERFORMED_UNDO | QsciScintillaBase::SC_PERFORMED_REDO |
-    QsciScintillaBase::SC_MOD_CHANGEMARKER | QsciScintillaBase::SC_MOD_CHANGEFOLD;
+    QsciScintillaBase::SC_MOD_CONTAINER | QsciScintillaBase::SC_MOD_CHANGEMARKER;
 
 constexpr int kDefaultStyle = 0;
 
@@ -53,6 +46,10 @@ int32_t ScintillaBuffer::clampLine(int32_t line) const {
 int32_t ScintillaBuffer::fetchLine(int32_t line) const {
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
     const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
+    return fetchRange(start, end);
+}
+
+int32_t ScintillaBuffer::fetchRange(long start, long end) const {
     const auto count = static_cast<int32_t>(std::max(0L, end - start));
     lineBytes_.resize(static_cast<size_t>(count) + 1);
     if (count > 0)
@@ -116,7 +113,11 @@ long ScintillaBuffer::PositionOf(int32_t column, int32_t line) const {
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
     if (column <= 0)
         return start;
-    const int32_t count = fetchLine(line);
+    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
+    // A code unit takes at most three bytes: the bytes beyond that can't matter.
+    const long stop = std::min(end, start + 3L * column);
+    const auto count = static_cast<int32_t>(stop - start);
+    fetchRange(start, stop);
     const char* bytes = lineBytes_.data();
     if (Utf8Columns::IsAscii(bytes, count))
         return start + std::min(column, count);
@@ -126,19 +127,26 @@ long ScintillaBuffer::PositionOf(int32_t column, int32_t line) const {
 void ScintillaBuffer::ColumnLineOf(long position, int32_t& column, int32_t& line) const {
     line = static_cast<int32_t>(sci(QsciScintillaBase::SCI_LINEFROMPOSITION, position));
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
-    const auto offset = static_cast<int32_t>(position - start);
-    const int32_t count = fetchLine(line);
-    if (Utf8Columns::IsAscii(lineBytes_.data(), std::min(offset, count)))
-        column = std::min(offset, count);
-    else
-        column = Utf8Columns::Column(lineBytes_.data(), count, offset);
+    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
+    const long stop = std::clamp(position, start, end);
+    const auto count = static_cast<int32_t>(stop - start);
+    if (count == 0) {
+        column = 0;
+        return;
+    }
+    fetchRange(start, stop);
+    column = Utf8Columns::IsAscii(lineBytes_.data(), count)
+                 ? count
+                 : Utf8Columns::Column(lineBytes_.data(), count, count);
 }
 
-std::string ScintillaBuffer::toBufferText(const QString& text) const {
+QByteArray ScintillaBuffer::toBufferText(const QString& text) const {
     // Every line end becomes the buffer's own LF, so lines are counted one way only.
     QByteArray utf8 = text.toUtf8();
-    std::string out;
-    out.reserve(static_cast<size_t>(utf8.size()));
+    if (!utf8.contains('\r'))
+        return utf8;
+    QByteArray out;
+    out.reserve(utf8.size());
     for (qsizetype i = 0; i < utf8.size(); ++i) {
         const char c = utf8[i];
         if (c == '\r') {
@@ -157,19 +165,19 @@ void ScintillaBuffer::InsertText(int32_t column, int32_t line, const QString& te
     line = clampLine(line);
     const long position = PositionOf(column, line);
     int32_t startColumn = 0;
-    ColumnLineOf(position, startColumn, line);
-    const std::string bytes = toBufferText(text);
-    if (!bytes.empty())
-        editor_.SendScintilla(QsciScintillaBase::SCI_INSERTTEXT, position, bytes.c_str());
+    if (column > 0)
+        ColumnLineOf(position, startColumn, line);
+    const QByteArray bytes = toBufferText(text);
+    if (!bytes.isEmpty())
+        editor_.SendScintilla(QsciScintillaBase::SCI_INSERTTEXT, position, bytes.constData());
 
-    const auto lastBreak = bytes.rfind('\n');
-    const auto breaks = static_cast<int32_t>(std::count(bytes.begin(), bytes.end(), '\n'));
-    endLine = line + breaks;
-    if (lastBreak == std::string::npos) {
-        endColumn = startColumn + Utf8Columns::CodeUnits(bytes.data(),
+    const auto lastBreak = bytes.lastIndexOf('\n');
+    endLine = line + static_cast<int32_t>(bytes.count('\n'));
+    if (lastBreak < 0) {
+        endColumn = startColumn + Utf8Columns::CodeUnits(bytes.constData(),
                                                          static_cast<int32_t>(bytes.size()));
     } else {
-        const char* tail = bytes.data() + lastBreak + 1;
+        const char* tail = bytes.constData() + lastBreak + 1;
         endColumn = Utf8Columns::CodeUnits(tail, static_cast<int32_t>(bytes.size() - lastBreak - 1));
     }
 }
@@ -427,9 +435,9 @@ QString ScintillaBuffer::AllText() const {
 }
 
 void ScintillaBuffer::SetAllText(const QString& text) {
-    const std::string bytes = toBufferText(text);
+    const QByteArray bytes = toBufferText(text);
     const bool before = Modified();
-    runUnrecorded([&] { editor_.SendScintilla(QsciScintillaBase::SCI_SETTEXT, bytes.c_str()); });
+    runUnrecorded([&] { editor_.SendScintilla(QsciScintillaBase::SCI_SETTEXT, bytes.constData()); });
     // The old records no longer fit the text.
     sci(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
     ops_.clear();

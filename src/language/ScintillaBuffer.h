@@ -77,6 +77,8 @@ private:
     long sci(unsigned int message, unsigned long wParam = 0, long lParam = 0) const;
     // Reads a line's bytes into lineBytes_ and returns their count (line end excluded).
     int32_t fetchLine(int32_t line) const;
+    // Reads bytes of the document into lineBytes_ and returns their count.
+    int32_t fetchRange(long start, long end) const;
     // Makes lineText_ the UTF-16 text of lineBytes_.
     void decodeLine(int32_t byteCount) const;
     int32_t clampLine(int32_t line) const;
@@ -85,7 +87,7 @@ private:
                     int foldNow, int foldPrev, int token, int annotationLines);
     void runPendingOps();
     void noteModified(bool before);
-    std::string toBufferText(const QString& text) const;
+    QByteArray toBufferText(const QString& text) const;
     int scanInto(int32_t line, std::vector<SourceToken>& tokens);
 
     QsciScintillaBase& editor_;

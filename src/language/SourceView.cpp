@@ -1,7 +1,9 @@
 #include "language/SourceView.h"
 
 #include "language/BufferLexer.h"
+#include "language/LineNumberGutter.h"
 #include "language/ScintillaBuffer.h"
+#include "language/SourceViewAccessible.h"
 
 #include <QContextMenuEvent>
 #include <QFontDatabase>
@@ -9,6 +11,7 @@
 
 SourceView::SourceView(QWidget* parent)
     : QsciScintilla(parent), buffer_(std::make_unique<ScintillaBuffer>(*this)) {
+    SourceViewAccessible::Install();
     lexer_ = new BufferLexer(*buffer_, this);
     setUpStyles();
     setLexer(lexer_);
@@ -21,6 +24,8 @@ SourceView::SourceView(QWidget* parent)
     SendScintilla(SCI_SETEOLMODE, SC_EOL_LF);
     // Undo and redo of the component's own keys would bypass the operations.
     setContextMenuPolicy(Qt::DefaultContextMenu);
+    // The gutter takes its room from the left of the viewport.
+    gutter_ = new LineNumberGutter(*this, [this](int room) { setViewportMargins(room, 0, 0, 0); });
 }
 
 SourceView::~SourceView() {
@@ -187,3 +192,4 @@ void SourceView::contextMenuEvent(QContextMenuEvent* event) {
     Q_EMIT ContextMenuRequested(event->globalPos());
     event->accept();
 }
+

@@ -5,6 +5,7 @@
 #include <memory>
 
 class BufferLexer;
+class LineNumberGutter;
 class ScintillaBuffer;
 
 // The source editor control: shows and edits the lines of its buffer. Lines and columns
@@ -55,6 +56,8 @@ public:
     void PreviousBookmark();
 
     BufferLexer& Lexer() const { return *lexer_; }
+    // The line-number strip left of the viewport.
+    LineNumberGutter& Gutter() const { return *gutter_; }
 
 Q_SIGNALS:
     void ContextMenuRequested(const QPoint& globalPos);
@@ -69,4 +72,5 @@ private:
 
     std::unique_ptr<ScintillaBuffer> buffer_;
     BufferLexer* lexer_ = nullptr;
+    LineNumberGutter* gutter_ = nullptr;
 };

@@ -1,0 +1,196 @@
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/DocumentCollection.h"
+#include "documents/mvDocument.h"
+#include "editing/frmDocument.h"
+#include "editing/frmDocumentx.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "settings/Moriox.h"
+#include "shell/frmMain.h"
+
+#include <QMdiArea>
+
+// Documents in a real frame: numbering, naming, views and closing.
+class tst_mvDocument : public QObject {
+    Q_OBJECT
+    QPointer<frmMain> frame;
+
+    static ProcessState& state() { return ProcessState::Instance(); }
+    static void flushDeletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+
+private Q_SLOTS:
+    void initTestCase() {
+        state().Documents = std::make_unique<DocumentCollection>();
+        frame = new frmMain;
+        frame->setAttribute(Qt::WA_DeleteOnClose, false);
+        state().MainWindow = frame;
+        frame->Load();
+        frame->show();
+        QVERIFY(QTest::qWaitForWindowExposed(frame));
+    }
+    void cleanupTestCase() { delete frame; }
+
+    void cleanup() {
+        for (const auto& d : state().Documents->Snapshot())
+            d->FileClose(false);
+        flushDeletes();
+        Settings().MinMaxClose = false;
+    }
+
+    // Numbers are never reused; only documents made new count for NewItem names. The
+    // counters are process-wide, so this runs first and reads them from a fresh start.
+    void numbersAndNames() {
+        QCOMPARE(state().NextDocumentNumber, 0);
+        auto a = mvDocument::Create();
+        auto b = mvDocument::Create();
+        QCOMPARE(a->DocumentNumber(), 1);
+        QCOMPARE(b->DocumentNumber(), 2);
+        QCOMPARE(state().Documents->At(0), a);
+        QCOMPARE(state().Documents->Item(QStringLiteral("2")), b);
+        QCOMPARE(a->NewNumber(), 0);
+        QCOMPARE(a->DisplayName(), QStringLiteral("NewItem0"));
+
+        QVERIFY(b->FileNew());
+        QCOMPARE(b->NewNumber(), 1);
+        QCOMPARE(b->DisplayName(), QStringLiteral("NewItem1"));
+        QCOMPARE(b->TitleText(), QStringLiteral("NewItem1 (New)"));
+        QCOMPARE(b->View()->Title(), QStringLiteral("NewItem1 (New)"));
+        QCOMPARE(b->View()->Tag(), QStringLiteral("2"));
+
+        QVERIFY(b->FileClose(false));
+        auto c = mvDocument::Create();
+        QCOMPARE(c->DocumentNumber(), 3);
+        QVERIFY(c->FileNew());
+        QCOMPARE(c->DisplayName(), QStringLiteral("NewItem2"));
+        QCOMPARE(state().Documents->Count(), 2);
+        QCOMPARE(state().Documents->At(1), c);
+    }
+
+    void propertiesWithoutResource() {
+        auto d = mvDocument::Create();
+        QVERIFY(d->NewItem());
+        QVERIFY(!d->ReadOnly());
+        QVERIFY(!d->LocalFile());
+        QVERIFY(!d->CanCompile());
+        QVERIFY(d->Path().isEmpty() && d->FileName().isEmpty() && d->ItemID().isEmpty());
+        QVERIFY(!d->IsDirty()); // no view yet
+        QVERIFY(!d->AutoSaveFlag());
+        QVERIFY(d->FileNew());
+        QTest::keyClicks(d->Editor(), QStringLiteral("x"));
+        QVERIFY(d->IsDirty());
+        d->SetDirty(false);
+        QVERIFY(!d->IsDirty());
+    }
+
+    void makeNewStartsClean() {
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileNew());
+        SourceView* editor = d->Editor();
+        QTest::keyClicks(editor, QStringLiteral("abc"));
+        editor->ToggleBookmark(0);
+        const int count = frame->DocumentCount;
+        QVERIFY(d->MakeNew(nullptr));
+        QCOMPARE(editor->Buffer().AllText(), QString());
+        QVERIFY(!editor->Buffer().CanUndo());
+        QVERIFY(!editor->HasBookmark(0));
+        QCOMPARE(frame->DocumentCount, count + 1);
+    }
+
+    // The form follows the setting at the time the view is made.
+    void viewFormFollowsMinMaxClose_data() {
+        QTest::addColumn<bool>("minMaxClose");
+        QTest::newRow("plain") << false;
+        QTest::newRow("with buttons") << true;
+    }
+    void viewFormFollowsMinMaxClose() {
+        QFETCH(bool, minMaxClose);
+        Settings().MinMaxClose = minMaxClose;
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileNew());
+        auto* window = dynamic_cast<frmDocument*>(d->View());
+        QVERIFY(window);
+        QCOMPARE(dynamic_cast<frmDocumentx*>(window) != nullptr, minMaxClose);
+        QCOMPARE(bool(window->windowFlags() & Qt::WindowCloseButtonHint), minMaxClose);
+        Settings().MinMaxClose = !minMaxClose; // changes new views only
+        QCOMPARE(dynamic_cast<frmDocumentx*>(d->View()) != nullptr, minMaxClose);
+    }
+
+    // The first window of an empty frame comes up maximised; one beside a minimised child
+    // comes up normal.
+    void windowStateFollowsTheActiveChild() {
+        auto first = mvDocument::Create();
+        first->FileNew();
+        QCOMPARE(first->View()->WindowState(), int16_t(clsDocView::Maximized));
+        first->View()->SetWindowState(clsDocView::Minimized);
+        QTRY_COMPARE(first->View()->WindowState(), int16_t(clsDocView::Minimized));
+        frame->MdiArea()->setActiveSubWindow(static_cast<frmDocument*>(first->View()));
+        auto second = mvDocument::Create();
+        second->FileNew();
+        QCOMPARE(second->View()->WindowState(), int16_t(clsDocView::Normal));
+    }
+
+    void closeLeavesTheCollectionBeforeTheEvent() {
+        auto d = mvDocument::Create();
+        d->FileNew();
+        QPointer<QWidget> window = d->View()->Widget();
+        auto* view = d->View();
+        const QString key = QString::number(d->DocumentNumber());
+        bool wasInCollection = true;
+        int raised = 0;
+        connect(d.get(), &mvDocument::DocumentClose, this, [&] {
+            wasInCollection = state().Documents->Contains(key);
+            ++raised;
+        });
+        const int count = frame->DocumentCount;
+        QVERIFY(d->FileClose(false));
+        QCOMPARE(raised, 1);
+        QVERIFY(!wasInCollection);
+        QVERIFY(!view->ViewObject()); // a late event of the window finds no document
+        QVERIFY(!d->View());
+        QCOMPARE(frame->DocumentCount, count - 1);
+        flushDeletes();
+        QVERIFY(!window);
+        QVERIFY(d->FileClose(false)); // a second close does nothing more
+        QCOMPARE(raised, 1);
+    }
+
+    // Closing the window by hand goes through the document.
+    void userClosingTheWindowClosesTheDocument() {
+        Settings().MinMaxClose = true;
+        auto d = mvDocument::Create();
+        d->FileNew();
+        std::weak_ptr<mvDocument> weak = d;
+        const QString key = QString::number(d->DocumentNumber());
+        QWidget* window = d->View()->Widget();
+        d.reset();
+        QVERIFY(window->close());
+        QVERIFY(!state().Documents->Contains(key));
+        QVERIFY(weak.expired());
+        flushDeletes();
+    }
+
+    void titleOfTheFrameShowsAMaximisedChild() {
+        auto d = mvDocument::Create();
+        d->FileNew();
+        auto* window = static_cast<frmDocument*>(d->View());
+        window->showMaximized();
+        frame->SetTitle(QStringLiteral("Brix"));
+        QCOMPARE(frame->windowTitle(), QStringLiteral("Brix - [") + d->TitleText() + QStringLiteral("]"));
+        window->showNormal();
+        QTRY_COMPARE(frame->windowTitle(), QStringLiteral("Brix"));
+    }
+
+    void highlightStartsFromTheSetting() {
+        Settings().Highlight = false;
+        auto d = mvDocument::Create();
+        QVERIFY(!d->Highlight());
+        Settings().Highlight = true;
+        d->SetHighlight(true);
+        QVERIFY(d->Highlight());
+    }
+};
+
+BRIX_TEST_MAIN(tst_mvDocument)
+#include "tst_mvDocument.moc"
