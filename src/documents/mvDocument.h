@@ -1,10 +1,13 @@
 #pragma once
 
+#include "documents/LabelList.h"
+
 #include <QObject>
 #include <QPointer>
 #include <QString>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 class Application;
 class ScintillaBuffer;
@@ -52,6 +55,37 @@ public:
     bool AutoSaveFlag() const;
     void SetAutoSaveFlag(bool flag);
 
+    // Text from outside into the editor's form: value and subvalue marks as codes 29 and
+    // 28, each tab as TabSize blanks (at least one).
+    static QString HostToEditorText(const QString& text);
+    // Editor text to the outside form: marks as U+F8FD and U+F8FC; mixed line ends all
+    // become CR LF.
+    static QString EditorToHostText(const QString& text);
+    QString Text();
+    // The same text again changes nothing: undo stack, bookmarks and dirty state stay.
+    void SetText(const QString& text);
+    QString SelText();
+    // Replaces the selection (or inserts at the caret) as one undoable step.
+    void SetSelText(const QString& text);
+    // The selection in the editor's form, lines joined by CR LF; empty without one.
+    QString SelectedText();
+    void ReplaceSelection(const QString& text);
+    void InsValue();
+    void InsSubValue();
+    // Moves the caret; with `adjust`, a target that was out of view is brought into the
+    // upper part of the window.
+    void ScrollTo(int32_t column, int32_t line, bool adjust);
+    // The editor's text area if the caret's line can be seen in it, else null.
+    QWidget* CursorLineVisible() const;
+    // 1-based; 0 and 1 both mean the first line.
+    void GotoLine(int32_t line);
+    // Raises BrixErrors::LabelNotFound, "Target label not found!", for an unknown label.
+    void GotoLabel(const QString& target);
+    // The label cache, built from the lexer's line flags when it is empty.
+    const LabelList& Labels();
+    void BuildLabels();
+    void DropLabels() { labels_.reset(); }
+
     // The editor and its buffer; both exist once EnsureView has run.
     SourceView* Editor() const;
     ScintillaBuffer* Buffer() const;
@@ -78,4 +112,5 @@ private:
     bool highlight_ = true;
     std::shared_ptr<Application> applicationRef_;
     bool closed_ = false;
+    std::optional<LabelList> labels_;
 };
