@@ -96,8 +96,12 @@ bool HostResource::IsItem() const {
 
 bool HostResource::Exists() const {
     HostTransport& files = *host_->Transport();
-    if (!itemFile_.isEmpty())
+    if (!itemFile_.isEmpty()) {
+        // An item of a hashed file can't be looked at here: the file stands for it.
+        if (HashedFile())
+            return files.Stat(fileFolder_).Exists;
         return files.Stat(itemFile_).Exists;
+    }
     if (!fileFolder_.isEmpty())
         return files.Stat(fileFolder_).Exists;
     if (!accountFolder_.isEmpty())

@@ -1,0 +1,468 @@
+#include "TestEnv.h"
+
+#include "documents/ConnectionErrors.h"
+#include "documents/HostResource.h"
+#include "documents/ItemLock.h"
+#include "documents/LocalTransport.h"
+#include "documents/mvHost.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <csignal>
+#include <cstdio>
+#include <grp.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Items of a local account on real files: bytes, marks, line ends, writes, locks and the
+// failures a real disk gives. Some cases run in a child process of this same program
+// (chosen by BRIX_CONN_CHILD): a second lock holder, a process with a file size limit, an
+// unprivileged user.
+
+namespace {
+
+std::shared_ptr<mvHost> makeHost(const QString& accountsFolder, bool rawMarks,
+                                 ItemTextCodec::Charset charset,
+                                 ItemIdCodec::Mode names = ItemIdCodec::Mode::Plain) {
+    auto profile = std::make_shared<HostProfile>();
+    profile->Name = QStringLiteral("test");
+    profile->Label = QStringLiteral("TEST");
+    profile->AccountsFolder = accountsFolder;
+    profile->RawMarks = rawMarks;
+    profile->Charset = charset;
+    profile->ItemNames = names;
+    return std::make_shared<mvHost>(profile, std::make_shared<LocalTransport>(),
+                                    QStringLiteral("ACC"));
+}
+
+std::shared_ptr<HostResource>
+item(const QString& accounts, const QString& file, const QString& id, bool raw = true,
+     ItemTextCodec::Charset charset = ItemTextCodec::Charset::Latin1) {
+    return std::make_shared<HostResource>(makeHost(accounts, raw, charset), QStringLiteral("*"),
+                                          QStringLiteral("ACC"), file, id);
+}
+
+// The child side. Arguments come in BRIX_CONN_ARGS, one a line; answers go to stdout.
+void childMain() {
+    const QByteArray mode = qgetenv("BRIX_CONN_CHILD");
+    if (mode.isEmpty())
+        return;
+    const QStringList args = QString::fromUtf8(qgetenv("BRIX_CONN_ARGS")).split(QLatin1Char('\n'));
+    auto answer = [](const QString& text) {
+        std::fputs(text.toUtf8().constData(), stdout);
+        std::fputc('\n', stdout);
+        std::fflush(stdout);
+    };
+    if (qgetenv("BRIX_CONN_NOBODY") == "1" && ::geteuid() == 0) {
+        if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0) {
+            answer(QStringLiteral("nouser"));
+            ::_exit(3);
+        }
+    }
+    try {
+        auto resource = item(args.value(0), args.value(1), args.value(2));
+        if (mode == "lock") {
+            resource->SetLocked(true);
+            answer(QStringLiteral("locked"));
+            char c;
+            while (::read(0, &c, 1) > 0) {
+            }
+            resource->Release();
+        } else if (mode == "write") {
+            if (!args.value(3).isEmpty()) {
+                struct rlimit limit {};
+                limit.rlim_cur = limit.rlim_max = args.value(3).toULongLong();
+                ::setrlimit(RLIMIT_FSIZE, &limit);
+                std::signal(SIGXFSZ, SIG_IGN);
+            }
+            resource->WriteText(QString(200000, QLatin1Char('x')));
+            answer(QStringLiteral("written"));
+        } else if (mode == "read") {
+            answer(QStringLiteral("read ") + QString::number(resource->ReadText().size()));
+        }
+    } catch (const BrixError& e) {
+        answer(QStringLiteral("error %1 %2")
+                   .arg(static_cast<uint32_t>(e.Number), 0, 16)
+                   .arg(e.Description));
+    }
+    ::_exit(0);
+}
+
+} // namespace
+
+Q_CONSTRUCTOR_FUNCTION(childMain)
+
+class tst_HostResource : public QObject {
+    Q_OBJECT
+    std::unique_ptr<QTemporaryDir> tmp;
+    QString accounts, bp;
+
+    static QByteArray allBytes() {
+        QByteArray bytes;
+        for (int round = 0; round < 2; ++round)
+            for (int b = 0; b < 256; ++b)
+                bytes.append(static_cast<char>(b));
+        return bytes + "\r\n\r\rend\n";
+    }
+    static void writeFile(const QString& path, const QByteArray& bytes) {
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+    static QByteArray readFile(const QString& path) {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+    }
+    static int32_t errorOf(const std::function<void()>& fn, QString* description = nullptr) {
+        try {
+            fn();
+        } catch (const BrixError& e) {
+            if (description)
+                *description = e.Description;
+            return e.Number;
+        }
+        return 0;
+    }
+    // Runs this program as a child in the given mode and gives its first answer line.
+    QString runChild(const QByteArray& mode, const QStringList& args, bool nobody = false) {
+        QProcess child;
+        child.setProgram(QCoreApplication::applicationFilePath());
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("BRIX_CONN_CHILD"), QString::fromUtf8(mode));
+        env.insert(QStringLiteral("BRIX_CONN_ARGS"), args.join(QLatin1Char('\n')));
+        env.insert(QStringLiteral("BRIX_CONN_NOBODY"), nobody ? QStringLiteral("1") : QString());
+        child.setProcessEnvironment(env);
+        child.start();
+        child.closeWriteChannel();
+        child.waitForFinished(60000);
+        return QString::fromUtf8(child.readAllStandardOutput()).trimmed();
+    }
+
+private Q_SLOTS:
+    void init() {
+        // World-readable, so that a child that gave up root can still get in.
+        tmp = std::make_unique<QTemporaryDir>(QStringLiteral("/tmp/brix-host-XXXXXX"));
+        QVERIFY(tmp->isValid());
+        ::chmod(QFile::encodeName(tmp->path()).constData(), 0755);
+        accounts = tmp->path();
+        bp = accounts + QStringLiteral("/ACC/BP");
+        QVERIFY(QDir().mkpath(bp));
+    }
+    void cleanup() {
+        ::chmod(QFile::encodeName(bp).constData(), 0755);
+        tmp.reset();
+    }
+
+    void everyByteRoundTrips_data() {
+        QTest::addColumn<bool>("raw");
+        QTest::addColumn<int>("charset");
+        QTest::newRow("raw marks, Latin-1") << true << int(ItemTextCodec::Charset::Latin1);
+        QTest::newRow("raw marks, UTF-8 (falls back)") << true << int(ItemTextCodec::Charset::Utf8);
+        QTest::newRow("UTF-8 marks, UTF-8 (falls back)")
+            << false << int(ItemTextCodec::Charset::Utf8);
+        QTest::newRow("UTF-8 marks, Latin-1") << false << int(ItemTextCodec::Charset::Latin1);
+    }
+    void everyByteRoundTrips() {
+        QFETCH(bool, raw);
+        QFETCH(int, charset);
+        const QByteArray bytes = allBytes();
+        writeFile(bp + QStringLiteral("/ALL"), bytes);
+        auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("ALL"), raw,
+                      ItemTextCodec::Charset(charset));
+        const QString text = r->ReadText();
+        r->WriteText(text);
+        QCOMPARE(readFile(bp + QStringLiteral("/ALL")), bytes);
+    }
+
+    // What the text looks like for each way of storing marks, and that it goes back.
+    void marksAndLineEnds_data() {
+        QTest::addColumn<bool>("raw");
+        QTest::addColumn<int>("charset");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("text");
+        const QString am = QString(QChar(0xF8FE)), vm = QString(QChar(0xF8FD)),
+                      sm = QString(QChar(0xF8FC));
+        QTest::newRow("raw bytes") << true << int(ItemTextCodec::Charset::Latin1)
+                                   << QByteArray("A\xfd"
+                                                 "B\xfc"
+                                                 "C\nD\xfe"
+                                                 "E\n")
+                                   << QStringLiteral("A") + vm + QStringLiteral("B") + sm +
+                                          QStringLiteral("C\r\nD") + am + QStringLiteral("E\r\n");
+        QTest::newRow("utf8 marks") << false << int(ItemTextCodec::Charset::Utf8)
+                                    << QByteArray("A\xef\xa3\xbd"
+                                                  "B\xef\xa3\xbc"
+                                                  "\xc3\xa9\n")
+                                    << QStringLiteral("A") + vm + QStringLiteral("B") + sm +
+                                           QString::fromUtf8("\xc3\xa9\r\n");
+        QTest::newRow("raw marks beside UTF-8")
+            << true << int(ItemTextCodec::Charset::Utf8) << QByteArray("\xc3\xa9\xfd\n")
+            << QString::fromUtf8("\xc3\xa9") + vm + QStringLiteral("\r\n");
+        QTest::newRow("CR LF file keeps CR LF")
+            << true << int(ItemTextCodec::Charset::Latin1) << QByteArray("A\r\nB\r\n")
+            << QStringLiteral("A\r\nB\r\n");
+        QTest::newRow("lone CR stays a CR") << true << int(ItemTextCodec::Charset::Latin1)
+                                            << QByteArray("A\rB\n") << QStringLiteral("A\rB\r\n");
+        QTest::newRow("no line end") << true << int(ItemTextCodec::Charset::Latin1)
+                                     << QByteArray("ABC") << QStringLiteral("ABC");
+    }
+    void marksAndLineEnds() {
+        QFETCH(bool, raw);
+        QFETCH(int, charset);
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, text);
+        writeFile(bp + QStringLiteral("/X"), bytes);
+        auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("X"), raw,
+                      ItemTextCodec::Charset(charset));
+        QCOMPARE(r->ReadText(), text);
+        writeFile(bp + QStringLiteral("/X"), "old");
+        r->WriteText(text);
+        QCOMPARE(readFile(bp + QStringLiteral("/X")), bytes);
+    }
+
+    // A new item gets LF line ends whatever the text holds.
+    void newItemLineEnds() {
+        auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("NEW"));
+        QVERIFY(!r->Exists());
+        QVERIFY(r->IsItem());
+        r->WriteText(QStringLiteral("A\r\nB\nC"));
+        QCOMPARE(readFile(bp + QStringLiteral("/NEW")), QByteArray("A\nB\nC"));
+        QVERIFY(r->Exists());
+    }
+
+    void unrepresentableCharacterKeepsOldItem() {
+        writeFile(bp + QStringLiteral("/X"), "old");
+        auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("X"));
+        QString description;
+        // U+00FD would read back as a value mark; U+20AC has no Latin-1 byte at all.
+        for (const QString& text : {QStringLiteral("a\r\nb\u00fd"), QStringLiteral("\u20ac")}) {
+            QCOMPARE(errorOf([&] { r->WriteText(text); }, &description),
+                     ConnectionErrors::Unrepresentable);
+            QVERIFY2(description.contains(QStringLiteral("Nothing was written")),
+                     qPrintable(description));
+            QCOMPARE(readFile(bp + QStringLiteral("/X")), QByteArray("old"));
+        }
+        QVERIFY(description.contains(QStringLiteral("line 1")));
+    }
+
+    void writeKeepsModeAndLeavesNoTemporary() {
+        const QString path = bp + QStringLiteral("/M");
+        writeFile(path, "old");
+        ::chmod(QFile::encodeName(path).constData(), 0640);
+        item(accounts, QStringLiteral("BP"), QStringLiteral("M"))->WriteText(QStringLiteral("new"));
+        struct stat st {};
+        QCOMPARE(::stat(QFile::encodeName(path).constData(), &st), 0);
+        QCOMPARE(st.st_mode & 07777, 0640u);
+        QCOMPARE(QDir(bp).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("M")});
+    }
+
+    // Permission bits decide, for root as well: a protected item reads as read only and
+    // refuses writes with the "can't write" number.
+    void unwritableItem() {
+        const QString path = bp + QStringLiteral("/RO");
+        writeFile(path, "keep");
+        ::chmod(QFile::encodeName(path).constData(), 0444);
+        auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("RO"));
+        QVERIFY(r->ReadOnly());
+        QCOMPARE(errorOf([&] { r->WriteText(QStringLiteral("x")); }), BrixErrors::CannotWrite);
+        QCOMPARE(readFile(path), QByteArray("keep"));
+        r->SetReadOnly(true);
+        QVERIFY(r->ReadOnly());
+    }
+
+    void hashedFilesAndFoldersAreNoItems_data() {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("id");
+        QTest::newRow("plain OS file") << QStringLiteral("VOC") << QString();
+        QTest::newRow("item of a plain OS file") << QStringLiteral("VOC") << QStringLiteral("X");
+        QTest::newRow("type 30") << QStringLiteral("CUST") << QString();
+        QTest::newRow("QM hashed") << QStringLiteral("QMF") << QString();
+        QTest::newRow("folder inside a file") << QStringLiteral("BP") << QStringLiteral("SUB");
+        QTest::newRow("directory file itself") << QStringLiteral("BP") << QString();
+    }
+    void hashedFilesAndFoldersAreNoItems() {
+        QFETCH(QString, file);
+        QFETCH(QString, id);
+        writeFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
+        QDir().mkpath(accounts + QStringLiteral("/ACC/CUST"));
+        writeFile(accounts + QStringLiteral("/ACC/CUST/DATA.30"), "");
+        QDir().mkpath(accounts + QStringLiteral("/ACC/QMF"));
+        writeFile(accounts + QStringLiteral("/ACC/QMF/%0"), "");
+        QDir().mkpath(bp + QStringLiteral("/SUB"));
+        auto r = item(accounts, file, id);
+        QVERIFY(!r->IsItem());
+        QVERIFY(r->Exists());
+        QCOMPARE(errorOf([&] { r->ReadText(); }), ConnectionErrors::NotAnItem);
+    }
+
+    // Ids that would name something outside the file's folder are refused or escaped,
+    // and whatever is written stays inside it.
+    void hostileIds_data() {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<bool>("refused");
+        const int plain = int(ItemIdCodec::Mode::Plain), qm = int(ItemIdCodec::Mode::Qm);
+        for (int mode : {plain, qm}) {
+            const char* m = mode == plain ? "plain" : "qm";
+            const bool p = mode == plain;
+            QTest::addRow("%s ../x", m) << mode << QStringLiteral("../x") << p;
+            QTest::addRow("%s a/b", m) << mode << QStringLiteral("a/b") << p;
+            QTest::addRow("%s ..", m) << mode << QStringLiteral("..") << p;
+            QTest::addRow("%s .", m) << mode << QStringLiteral(".") << p;
+            QTest::addRow("%s quotes", m) << mode << QStringLiteral("it's \"x\"") << false;
+            QTest::addRow("%s shell", m) << mode << QStringLiteral("a;rm -rf $(pwd) `id`") << false;
+            QTest::addRow("%s leading dots", m) << mode << QStringLiteral("..hidden") << false;
+            QTest::addRow("%s control", m) << mode << QStringLiteral("a\tb\x01\x1b") << false;
+            QTest::addRow("%s spaces", m) << mode << QStringLiteral("  A B  ") << false;
+        }
+    }
+    void hostileIds() {
+        QFETCH(int, mode);
+        QFETCH(QString, id);
+        QFETCH(bool, refused);
+        const QString before = readFile(accounts + QStringLiteral("/ACC/x"));
+        auto make = [&] {
+            return std::make_shared<HostResource>(
+                makeHost(accounts, true, ItemTextCodec::Charset::Latin1, ItemIdCodec::Mode(mode)),
+                QStringLiteral("*"), QStringLiteral("ACC"), QStringLiteral("BP"), id);
+        };
+        if (refused) {
+            QCOMPARE(errorOf([&] { make(); }), ConnectionErrors::BadItemId);
+            return;
+        }
+        auto r = make();
+        const QFileInfo where(r->ItemFile());
+        QCOMPARE(where.absolutePath(), bp);
+        r->WriteText(QStringLiteral("data"));
+        QCOMPARE(QDir(bp).entryList(QDir::Files | QDir::Hidden).size(), 1);
+        QCOMPARE(r->ReadText(), QStringLiteral("data"));
+        QCOMPARE(readFile(accounts + QStringLiteral("/ACC/x")), before.toUtf8());
+        // The name lists back as the same id.
+        const auto children =
+            std::make_shared<HostResource>(
+                makeHost(accounts, true, ItemTextCodec::Charset::Latin1, ItemIdCodec::Mode(mode)),
+                QStringLiteral("*"), QStringLiteral("ACC"), QStringLiteral("BP"), QString())
+                ->Children();
+        QCOMPARE(children.size(), size_t(1));
+        QCOMPARE(children.front().Name, id);
+    }
+
+    void lockHeldByAnotherProcess() {
+        QProcess holder;
+        holder.setProgram(QCoreApplication::applicationFilePath());
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("BRIX_CONN_CHILD"), QStringLiteral("lock"));
+        env.insert(QStringLiteral("BRIX_CONN_ARGS"),
+                   QStringList{accounts, QStringLiteral("BP"), QStringLiteral("MAIN")}.join(
+                       QLatin1Char('\n')));
+        holder.setProcessEnvironment(env);
+        holder.start();
+        QVERIFY(holder.waitForReadyRead(30000));
+        QCOMPARE(holder.readLine().trimmed(), QByteArray("locked"));
+
+        auto mine = item(accounts, QStringLiteral("BP"), QStringLiteral("MAIN"));
+        QString description;
+        QCOMPARE(errorOf([&] { mine->SetLocked(true); }, &description), BrixErrors::LockedByOther);
+        const ItemLock::Holder self = ItemLock::Holder::Self();
+        QVERIFY2(description.contains(self.User) && description.contains(self.Machine) &&
+                     description.contains(QString::number(holder.processId())),
+                 qPrintable(description));
+        QVERIFY(!mine->Locked());
+
+        // Letting go frees it.
+        holder.closeWriteChannel();
+        QVERIFY(holder.waitForFinished(30000));
+        mine->SetLocked(true);
+        QVERIFY(mine->Locked());
+        mine->Release();
+        mine->Release();
+        QVERIFY(!mine->Locked());
+        QCOMPARE(QDir(accounts + QStringLiteral("/ACC/.brix-locks"))
+                     .entryList(QDir::Files | QDir::Hidden),
+                 QStringList());
+    }
+
+    void lockOfDeadHolderIsTakenOver() {
+        QProcess holder;
+        holder.setProgram(QCoreApplication::applicationFilePath());
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("BRIX_CONN_CHILD"), QStringLiteral("lock"));
+        env.insert(QStringLiteral("BRIX_CONN_ARGS"),
+                   QStringList{accounts, QStringLiteral("BP"), QStringLiteral("MAIN")}.join(
+                       QLatin1Char('\n')));
+        holder.setProcessEnvironment(env);
+        holder.start();
+        QVERIFY(holder.waitForReadyRead(30000));
+        holder.kill();
+        QVERIFY(holder.waitForFinished(30000));
+        const QString entry = accounts + QStringLiteral("/ACC/.brix-locks/") +
+                              ItemLock::EntryName(QStringLiteral("BP"), QStringLiteral("MAIN"));
+        QVERIFY(QFile::exists(entry));
+
+        auto mine = item(accounts, QStringLiteral("BP"), QStringLiteral("MAIN"));
+        mine->SetLocked(true);
+        QVERIFY(mine->Locked());
+        QCOMPARE(ItemLock::Holder::Parse(readFile(entry)).Pid, qint64(::getpid()));
+        mine->Release();
+        QVERIFY(!QFile::exists(entry));
+    }
+
+    // One process may lock an item through two resources (a save over itself); the
+    // entry stays until both let go. A lock of another machine is never stale.
+    void locksWithinOneProcess() {
+        auto a = item(accounts, QStringLiteral("BP"), QStringLiteral("MAIN"));
+        auto b = item(accounts, QStringLiteral("BP"), QStringLiteral("MAIN"));
+        a->SetLocked(true);
+        b->SetLocked(true);
+        const QString entry = accounts + QStringLiteral("/ACC/.brix-locks/") +
+                              ItemLock::EntryName(QStringLiteral("BP"), QStringLiteral("MAIN"));
+        a->Release();
+        QVERIFY(QFile::exists(entry));
+        b.reset();
+        QVERIFY(!QFile::exists(entry));
+
+        ItemLock::Holder elsewhere = ItemLock::Holder::Self();
+        elsewhere.Machine = QStringLiteral("another-machine");
+        elsewhere.Pid = 1;
+        QDir().mkpath(QFileInfo(entry).path());
+        writeFile(entry, elsewhere.ToBytes());
+        QString description;
+        QCOMPARE(errorOf([&] { a->SetLocked(true); }, &description), BrixErrors::LockedByOther);
+        QVERIFY(description.contains(QStringLiteral("another-machine")));
+    }
+
+    void fullDiskKeepsOldItem() {
+        const QString path = bp + QStringLiteral("/BIG");
+        writeFile(path, "old contents");
+        const QString answer = runChild("write", {accounts, QStringLiteral("BP"),
+                                                  QStringLiteral("BIG"), QStringLiteral("4096")});
+        QVERIFY2(answer.startsWith(QStringLiteral("error 80049d11")), qPrintable(answer));
+        QVERIFY2(answer.contains(QStringLiteral("unchanged")), qPrintable(answer));
+        QCOMPARE(readFile(path), QByteArray("old contents"));
+        QCOMPARE(QDir(bp).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{QStringLiteral("BIG")});
+    }
+
+    void unreadableAndUnwritableFolder() {
+        writeFile(bp + QStringLiteral("/X"), "old contents");
+        const bool root = ::geteuid() == 0;
+        ::chmod(QFile::encodeName(bp).constData(), 0);
+        QString answer =
+            runChild("read", {accounts, QStringLiteral("BP"), QStringLiteral("X")}, root);
+        if (answer == QStringLiteral("nouser"))
+            QSKIP("no unprivileged user to run as");
+        QVERIFY2(answer.startsWith(QStringLiteral("error 80049d10")) &&
+                     answer.contains(QStringLiteral("ermission")),
+                 qPrintable(answer));
+        ::chmod(QFile::encodeName(bp).constData(), 0555);
+        answer = runChild("write", {accounts, QStringLiteral("BP"), QStringLiteral("X"), QString()},
+                          root);
+        QVERIFY2(answer.startsWith(QStringLiteral("error 80049d12")), qPrintable(answer));
+        ::chmod(QFile::encodeName(bp).constData(), 0755);
+        QCOMPARE(readFile(bp + QStringLiteral("/X")), QByteArray("old contents"));
+    }
+};
+
+BRIX_TEST_MAIN(tst_HostResource)
+#include "tst_HostResource.moc"
