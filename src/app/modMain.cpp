@@ -5,6 +5,7 @@
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
+#include "support/EditorFont.h"
 #include "support/ShowError.h"
 #include "support/UnixSignalWatcher.h"
 
@@ -33,14 +34,19 @@ bool Main(QApplication& app) {
     ProcessState& state = ProcessState::Instance();
     try {
         // Help: the start page of the manual beside the executable.
-        state.HelpFilePath = QCoreApplication::applicationDirPath() + QStringLiteral("/brix-help.html");
+        state.HelpFilePath =
+            QCoreApplication::applicationDirPath() + QStringLiteral("/brix-help.html");
         state.ComputeMarkStrings();
+
+        // Before the settings, whose default font rule looks for it.
+        state.FontInstalled = EditorFont::Add();
 
         state.Documents = std::make_unique<DocumentCollection>();
         state.Host.Provider = QStringLiteral("mvdb");
         state.Host.ServerName = QStringLiteral("*");
 
         state.Settings = std::make_unique<Moriox>();
+        state.Settings->LoadSettings();
 
         auto* frame = new frmMain; // deletes itself when it closes
         state.MainWindow = frame;
@@ -57,16 +63,18 @@ bool Main(QApplication& app) {
         QApplication::restoreOverrideCursor();
     } catch (const BrixError& error) {
         QApplication::restoreOverrideCursor();
-        ShowMessage(QStringLiteral("The Application is unable to start do to the following error:\r\n") +
-                        error.Description,
-                    QMessageBox::Critical);
+        ShowMessage(
+            QStringLiteral("The Application is unable to start do to the following error:\r\n") +
+                error.Description,
+            QMessageBox::Critical);
         Shutdown();
         return false;
     } catch (const std::exception& error) {
         QApplication::restoreOverrideCursor();
-        ShowMessage(QStringLiteral("The Application is unable to start do to the following error:\r\n") +
-                        QString::fromLocal8Bit(error.what()),
-                    QMessageBox::Critical);
+        ShowMessage(
+            QStringLiteral("The Application is unable to start do to the following error:\r\n") +
+                QString::fromLocal8Bit(error.what()),
+            QMessageBox::Critical);
         Shutdown();
         return false;
     }
@@ -98,7 +106,15 @@ void Shutdown() {
     state.Documents.reset();
     state.ExtendedTools.reset();
 
+    // After the windows, which write their place and the recent list into the settings.
+    try {
+        if (state.Settings)
+            state.Settings->SaveSettings();
+    } catch (...) {
+    }
     state.Settings.reset();
+
+    EditorFont::Remove(state.FontInstalled);
 
     // The event loop ends once the shutdown is through.
     QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit,

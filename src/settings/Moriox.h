@@ -1,12 +1,23 @@
 #pragma once
 
+#include "settings/clsRecentList.h"
+
 #include <QString>
+#include <QStringList>
 #include <cstdint>
+#include <memory>
 
 // The one settings object of the program. Members are public and read directly by every
-// subsystem; the defaults are those a fresh machine starts with.
+// subsystem; the defaults are those a fresh machine starts with. All of it is kept in the
+// settings store under Section(); the settings dialog edits a Clone and merges it back with
+// UpdateFrom, and what it merged reaches the store at shutdown.
 class Moriox {
 public:
+    Moriox();
+    ~Moriox();
+    Moriox(const Moriox&) = delete;
+    Moriox& operator=(const Moriox&) = delete;
+
     QString FontName;
     QString FontSize = QStringLiteral("10");
     bool FontMono = true;
@@ -31,6 +42,11 @@ public:
     int16_t IndentBang = 0;
     QString CompileCommand = QStringLiteral("BASIC");
     QString CompileOptions;
+    // The keyword lists as stored: the language words and the user's words, each separated
+    // by one blank. An empty language list means the built-in one.
+    QString LanguageKeywordsText;
+    QString UserKeywordsText;
+    bool CaseSensitiveKeywords = false;
     bool RecordLocking = true;
     bool ColorPrinting = false;
     bool NoGotoDialog = false;
@@ -40,5 +56,35 @@ public:
     bool LargeToolbarIcons = false;
     QString ResultsFontName;
     QString ResultsFontSize;
+    // Never absent.
+    std::unique_ptr<clsRecentList> RecentList;
     bool MinMaxClose = false;
+
+    // The section of every settings key, the main window's too.
+    static QString Section();
+
+    // Fills the object from the store; a store without the current version marker is
+    // migrated from the earlier version's settings instead, which also writes the defaults
+    // once on a fresh machine.
+    void LoadSettings();
+    // Writes the version marker and every member.
+    void SaveSettings() const;
+    std::unique_ptr<Moriox> Clone() const;
+    // Takes over every member of the source; this object's RecentList stays the same object.
+    void UpdateFrom(const Moriox& source);
+
+    bool operator==(const Moriox& other) const;
+
+    // An empty name gives the default font, "MV Lucida Console" its "MVW" successor; any
+    // other name stays.
+    static QString ApplyFontRule(const QString& name);
+    // The first font family whose name begins "MVW Lucida Console", else "Courier New".
+    static QString DefaultFontName();
+    static QString DefaultFontName(const QStringList& families);
+
+    // The version the settings are stored in; a lower marker is migrated.
+    static constexpr int SettingsVersion = 7;
+
+private:
+    void migrate();
 };

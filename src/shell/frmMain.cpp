@@ -5,11 +5,17 @@
 #include "documents/DocumentCollection.h"
 #include "documents/mvDocument.h"
 #include "editing/frmDocument.h"
+#include "settings/Moriox.h"
+#include "settings/SettingText.h"
+#include "settings/SettingsStore.h"
+#include "support/ShowError.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QScreen>
 #include <QStatusBar>
 
 frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
@@ -36,12 +42,107 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
 
 frmMain::~frmMain() = default;
 
+namespace {
+
+constexpr int Twips = FramePlacement::TwipsPerPixel;
+
+QString readWindowSetting(const QString& key, const QString& defaultValue) {
+    return SettingsStore::ReadSetting(Moriox::Section(), key, defaultValue);
+}
+
+int32_t readWindowNumber(const QString& key, int32_t defaultValue) {
+    const int64_t value =
+        SettingText::ParseNumber(readWindowSetting(key, QString::number(defaultValue)));
+    return value >= INT32_MIN && value <= INT32_MAX ? static_cast<int32_t>(value) : defaultValue;
+}
+
+bool readWindowFlag(const QString& key) {
+    return SettingText::ParseBoolean(readWindowSetting(key, QStringLiteral("True"))).value_or(true);
+}
+
+void writeWindowSetting(const QString& key, const QString& value) {
+    SettingsStore::WriteSetting(Moriox::Section(), key, value);
+}
+
+} // namespace
+
 void frmMain::Load() {
     SetTitle(QStringLiteral("Brix"));
-    resize(900, 650);
+    try {
+        restoreWindowState();
+    } catch (const std::exception& error) {
+        QApplication::restoreOverrideCursor();
+        ShowError(QString::fromLocal8Bit(error.what()), this);
+    }
     ShowDocumentPanes(false);
     DocumentCount = 0;
     UpdateToolBar();
+}
+
+void frmMain::restoreWindowState() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const QSize screenSize = screen ? screen->size() : QSize(1024, 768);
+    const int32_t screenWidth = screenSize.width() * Twips;
+    const int32_t screenHeight = screenSize.height() * Twips;
+    const TwipsRect defaults = FramePlacement::DefaultRect(screenWidth, screenHeight);
+
+    const int32_t state = readWindowNumber(QStringLiteral("MainState"), 0);
+    TwipsRect rect{readWindowNumber(QStringLiteral("MainLeft"), defaults.Left),
+                   readWindowNumber(QStringLiteral("MainTop"), defaults.Top),
+                   readWindowNumber(QStringLiteral("MainWidth"), defaults.Width),
+                   readWindowNumber(QStringLiteral("MainHeight"), defaults.Height)};
+    const QRect virtualDesktop =
+        screen ? screen->virtualGeometry() : QRect(QPoint(0, 0), screenSize);
+    const TwipsRect desktop{virtualDesktop.x() * Twips, virtualDesktop.y() * Twips,
+                            virtualDesktop.width() * Twips, virtualDesktop.height() * Twips};
+    rect = FramePlacement::Fit(rect, desktop, screenWidth, screenHeight);
+
+    if (!isNormalState())
+        setWindowState(Qt::WindowNoState);
+    move(rect.Left / Twips, rect.Top / Twips);
+    resize(rect.Width / Twips, rect.Height / Twips);
+    savedRect_ = rect;
+    setWindowState(state == 2   ? Qt::WindowMaximized
+                   : state == 1 ? Qt::WindowMinimized
+                                : Qt::WindowNoState);
+
+    statusBar()->setVisible(readWindowFlag(QStringLiteral("StatusbarVisible")));
+    toolbarVisible_ = readWindowFlag(QStringLiteral("ToolbarVisible"));
+}
+
+void frmMain::saveWindowState() {
+    // A frame closed while minimised keeps the state stored before.
+    if (!isMinimized())
+        writeWindowSetting(QStringLiteral("MainState"), QString::number(isMaximized() ? 2 : 0));
+    if (isNormalState())
+        rememberRectangle();
+    writeWindowSetting(QStringLiteral("MainLeft"), QString::number(savedRect_.Left));
+    writeWindowSetting(QStringLiteral("MainTop"), QString::number(savedRect_.Top));
+    writeWindowSetting(QStringLiteral("MainWidth"), QString::number(savedRect_.Width));
+    writeWindowSetting(QStringLiteral("MainHeight"), QString::number(savedRect_.Height));
+    writeWindowSetting(QStringLiteral("ToolbarVisible"), SettingText::FromBoolean(toolbarVisible_));
+    writeWindowSetting(QStringLiteral("StatusbarVisible"),
+                       SettingText::FromBoolean(statusBar()->isVisibleTo(this)));
+}
+
+bool frmMain::isNormalState() const {
+    return !(windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen));
+}
+
+void frmMain::rememberRectangle() {
+    savedRect_ = {x() * Twips, y() * Twips, width() * Twips, height() * Twips};
+}
+
+void frmMain::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    if (isNormalState())
+        rememberRectangle();
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (isNormalState())
+        rememberRectangle();
 }
 
 void frmMain::SetTitle(const QString& title) {
@@ -118,6 +219,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
 
 void frmMain::unload() {
     unloading_ = true;
+    saveWindowState();
     Shutdown();
     ProcessState::Instance().MainWindow.clear();
 }

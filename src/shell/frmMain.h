@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shell/FramePlacement.h"
+
 #include <QMainWindow>
 #include <QPointer>
 #include <array>
@@ -49,13 +51,24 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void unload();
+    // The frame's place and bars from the settings, and back.
+    void restoreWindowState();
+    void saveWindowState();
+    bool isNormalState() const;
+    void rememberRectangle();
 
     QString title_;
     QMdiArea* mdiArea_ = nullptr;
     std::array<QLabel*, 4> panes_ = {};
     bool unloading_ = false;
     bool programmaticClose_ = false;
+    // The place of the frame in normal state, kept while it is maximised or minimised.
+    TwipsRect savedRect_;
+    // There is no tool bar band yet; its setting is kept as it was read.
+    bool toolbarVisible_ = true;
 };

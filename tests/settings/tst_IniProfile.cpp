@@ -1,0 +1,281 @@
+#include "TestEnv.h"
+
+#include "settings/IniProfile.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <unistd.h>
+
+namespace {
+
+// A byte string literal with its NUL bytes, without the terminating one.
+template <size_t N> QByteArray bytes(const char (&text)[N]) {
+    return QByteArray(text, N - 1);
+}
+
+QByteArray utf16le(const QString& text) {
+    QByteArray bytes("\xFF\xFE", 2);
+    for (const QChar c : text) {
+        bytes.append(static_cast<char>(c.unicode() & 0xFF));
+        bytes.append(static_cast<char>(c.unicode() >> 8));
+    }
+    return bytes;
+}
+
+QByteArray utf16be(const QString& text) {
+    QByteArray bytes("\xFE\xFF", 2);
+    for (const QChar c : text) {
+        bytes.append(static_cast<char>(c.unicode() >> 8));
+        bytes.append(static_cast<char>(c.unicode() & 0xFF));
+    }
+    return bytes;
+}
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QByteArray readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+class tst_IniProfile : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readRules_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("expected"); // "<none>" for a missing key
+
+        const QByteArray basic = "[Main]\nName=Value\n";
+        QTest::newRow("plain") << basic << "Main"
+                               << "Name"
+                               << "Value";
+        QTest::newRow("section case") << basic << "MAIN"
+                                      << "Name"
+                                      << "Value";
+        QTest::newRow("key case") << basic << "Main"
+                                  << "nAmE"
+                                  << "Value";
+        QTest::newRow("missing key") << basic << "Main"
+                                     << "Other"
+                                     << "<none>";
+        QTest::newRow("missing section") << basic << "Other"
+                                         << "Name"
+                                         << "<none>";
+        QTest::newRow("blanks trimmed") << QByteArray("[Main]\n  Name  =   a b  \n") << "Main"
+                                        << "Name"
+                                        << "a b";
+        QTest::newRow("double quotes stripped")
+            << QByteArray("[Main]\nName=\"  padded \"\n") << "Main"
+            << "Name"
+            << "  padded ";
+        QTest::newRow("single quotes stripped") << QByteArray("[Main]\nName='x'\n") << "Main"
+                                                << "Name"
+                                                << "x";
+        QTest::newRow("one pair only") << QByteArray("[Main]\nName=\"\"x\"\"\n") << "Main"
+                                       << "Name"
+                                       << "\"x\"";
+        QTest::newRow("unmatched quote kept") << QByteArray("[Main]\nName=\"x'\n") << "Main"
+                                              << "Name"
+                                              << "\"x'";
+        QTest::newRow("first duplicate wins")
+            << QByteArray("[Main]\nName=1\nName=2\n[Main]\nName=3\n") << "Main"
+            << "Name"
+            << "1";
+        QTest::newRow("keys before a section belong to none")
+            << QByteArray("Name=0\n[Main]\n") << "Main"
+            << "Name"
+            << "<none>";
+        QTest::newRow("comment ignored") << QByteArray("[Main]\n;Name=1\n") << "Main"
+                                         << "Name"
+                                         << "<none>";
+        QTest::newRow("key without equals is empty") << QByteArray("[Main]\nName\n") << "Main"
+                                                     << "Name"
+                                                     << "";
+        QTest::newRow("blanks in brackets") << QByteArray("[ Main ]\nName=1") << "Main"
+                                            << "Name"
+                                            << "1";
+        QTest::newRow("crlf") << QByteArray("[Main]\r\nName=1\r\n") << "Main"
+                              << "Name"
+                              << "1";
+        QTest::newRow("at key") << QByteArray("[S_]\n@=7\n") << "s_"
+                                << "@"
+                                << "7";
+        QTest::newRow("utf-16le") << utf16le("[Main]\r\nName=Grüße\r\n") << "Main"
+                                  << "Name"
+                                  << "Grüße";
+        QTest::newRow("utf-16be") << utf16be("[Main]\nName=Grüße\n") << "Main"
+                                  << "Name"
+                                  << "Grüße";
+        QTest::newRow("utf-8 bom") << QByteArray("\xEF\xBB\xBF[Main]\nName=Grüße\n") << "Main"
+                                   << "Name"
+                                   << "Grüße";
+        QTest::newRow("utf-8") << QByteArray("[Main]\nName=Grüße\n") << "Main"
+                               << "Name"
+                               << "Grüße";
+        QTest::newRow("lone bom") << QByteArray("\xFF\xFE") << "Main"
+                                  << "Name"
+                                  << "<none>";
+    }
+
+    void readRules() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, section);
+        QFETCH(QString, key);
+        QFETCH(QString, expected);
+        const QString value = IniProfile::FromBytes(file).Value(section, key);
+        if (expected == QLatin1String("<none>"))
+            QVERIFY(value.isNull());
+        else
+            QCOMPARE(value, expected);
+    }
+
+    void writeRules_data() {
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("value"); // "<delete>" removes the key
+        QTest::addColumn<QByteArray>("after");
+
+        QTest::newRow("new file") << QByteArray() << "S"
+                                  << "K"
+                                  << "v" << QByteArray("[S]\nK=v\n");
+        QTest::newRow("replace keeps the rest")
+            << QByteArray("; note\n[S]\nA=1\nK=old\nB=2\n") << "S"
+            << "k"
+            << "new" << QByteArray("; note\n[S]\nA=1\nk=new\nB=2\n");
+        QTest::newRow("add after last key, before blank lines")
+            << QByteArray("[S]\nA=1\n\n[T]\nX=1\n") << "s"
+            << "K"
+            << "v" << QByteArray("[S]\nA=1\nK=v\n\n[T]\nX=1\n");
+        QTest::newRow("add section at the end") << QByteArray("[T]\nX=1") << "S"
+                                                << "K"
+                                                << "v" << QByteArray("[T]\nX=1\n[S]\nK=v\n");
+        QTest::newRow("crlf kept") << QByteArray("[S]\r\nA=1\r\n") << "S"
+                                   << "K"
+                                   << "v" << QByteArray("[S]\r\nA=1\r\nK=v\r\n");
+        QTest::newRow("delete") << QByteArray("[S]\nA=1\nK=v\nB=2\n") << "S"
+                                << "K"
+                                << "<delete>" << QByteArray("[S]\nA=1\nB=2\n");
+        QTest::newRow("delete missing") << QByteArray("[S]\nA=1\n") << "S"
+                                        << "K"
+                                        << "<delete>" << QByteArray("[S]\nA=1\n");
+        QTest::newRow("utf-16 stays utf-16") << QByteArray("\xFF\xFE", 2) << "S"
+                                             << "K"
+                                             << "ä" << utf16le(QStringLiteral("[S]\nK=ä\n"));
+        QTest::newRow("same value leaves undecodable bytes")
+            << QByteArray("[S]\nK=caf\xE9\n") << "S"
+            << "K" << QString::fromUtf8("caf\xE9") << QByteArray("[S]\nK=caf\xE9\n");
+    }
+
+    void writeRules() {
+        QFETCH(QByteArray, before);
+        QFETCH(QString, section);
+        QFETCH(QString, key);
+        QFETCH(QString, value);
+        QFETCH(QByteArray, after);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("x.ini"));
+        if (!before.isEmpty())
+            writeFile(path, before);
+        const bool done = value == QLatin1String("<delete>")
+                              ? IniProfile::DeleteKey(path, section, key)
+                              : IniProfile::WriteString(path, section, key, value);
+        QVERIFY(done);
+        QCOMPARE(readFile(path), after);
+    }
+
+    void valueWithLineBreakIsRefused() {
+        IniProfile profile = IniProfile::FromBytes("[S]\nK=1\n");
+        QVERIFY(
+            !profile.SetValue(QStringLiteral("S"), QStringLiteral("K"), QStringLiteral("a\n[T]")));
+        QCOMPARE(profile.ToBytes(), QByteArray("[S]\nK=1\n"));
+    }
+
+    // Lines the reader does not understand, bytes that do not decode and a cut-off last code
+    // unit all survive an edit of the file.
+    void damagedFilesSurviveEdits_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("readable"); // what key "A" of section "S" holds
+
+        QTest::newRow("binary and invalid utf-8")
+            << bytes("\x00\x01\xFF\xFE garbage\n\x80\x81\n[S]\nA=1\n\xC3\x28 zz\n") << "1";
+        QByteArray truncated = utf16le(QStringLiteral("[S]\r\nA=2\r\nB=cut"));
+        truncated.append('\x41');
+        QTest::newRow("truncated utf-16") << truncated << "2";
+        QTest::newRow("latin-1 text") << QByteArray("[S]\nA=3\nName=caf\xE9\n") << "3";
+        QTest::newRow("no sections at all")
+            << bytes("\x89PNG\r\n\x1A\n\x00\x00\x00\rIHDR") << "<none>";
+    }
+
+    void damagedFilesSurviveEdits() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, readable);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("x.ini"));
+        writeFile(path, file);
+
+        const QString value = IniProfile::ReadString(path, QStringLiteral("S"), QStringLiteral("A"),
+                                                     QStringLiteral("<none>"), 4096);
+        QCOMPARE(value, readable);
+        QVERIFY(IniProfile::WriteString(path, QStringLiteral("T"), QStringLiteral("New"),
+                                        QStringLiteral("v")));
+        const QByteArray after = readFile(path);
+        // Every byte that was there is still there, in order: the edit only added.
+        qsizetype at = 0;
+        for (const char byte : file) {
+            at = after.indexOf(byte, at);
+            QVERIFY(at >= 0);
+            ++at;
+        }
+        QCOMPARE(IniProfile::ReadString(path, QStringLiteral("T"), QStringLiteral("New"), QString(),
+                                        4096),
+                 QStringLiteral("v"));
+    }
+
+    void unreadableFileIsLeftAlone() {
+        QTemporaryDir dir;
+        // A folder where the file should be.
+        const QString folder = dir.filePath(QStringLiteral("folder.ini"));
+        QVERIFY(QDir().mkdir(folder));
+        QVERIFY(!IniProfile::Load(folder).IsReadable());
+        QCOMPARE(IniProfile::ReadString(folder, QStringLiteral("S"), QStringLiteral("K"),
+                                        QStringLiteral("d"), 4096),
+                 QStringLiteral("d"));
+        QVERIFY(!IniProfile::WriteString(folder, QStringLiteral("S"), QStringLiteral("K"),
+                                         QStringLiteral("v")));
+        QVERIFY(QFileInfo(folder).isDir());
+
+        if (::geteuid() == 0)
+            QSKIP("file permissions do not bind the superuser");
+        const QString locked = dir.filePath(QStringLiteral("locked.ini"));
+        writeFile(locked, "[S]\nK=1\n");
+        QFile::setPermissions(locked, QFileDevice::WriteOwner);
+        QVERIFY(!IniProfile::WriteString(locked, QStringLiteral("S"), QStringLiteral("K"),
+                                         QStringLiteral("2")));
+        QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QCOMPARE(readFile(locked), QByteArray("[S]\nK=1\n"));
+    }
+
+    void readIsCutToTheBuffer() {
+        const QString longValue(5000, QLatin1Char('x'));
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("x.ini"));
+        QVERIFY(IniProfile::WriteString(path, QStringLiteral("S"), QStringLiteral("K"), longValue));
+        QCOMPARE(
+            IniProfile::ReadString(path, QStringLiteral("S"), QStringLiteral("K"), QString(), 4096)
+                .size(),
+            4095);
+    }
+};
+
+BRIX_TEST_MAIN(tst_IniProfile)
+#include "tst_IniProfile.moc"
