@@ -1,0 +1,294 @@
+#include "TestEnv.h"
+
+#include "documents/ConnectionErrors.h"
+#include "documents/ItemLock.h"
+#include "documents/mvConnection.h"
+#include "documents/mvHost.h"
+#include "documents/mvResource.h"
+
+#include <QTemporaryDir>
+#include <sys/stat.h>
+
+// The connection service: path strings, profiles from the connections file, resources as
+// GetResource hands them out, and commands on a host.
+class tst_mvConnection : public QObject {
+    Q_OBJECT
+    QTemporaryDir tmp;
+    QString accounts;
+
+    static mvConnection& connection() { return mvConnection::Instance(); }
+    static void writeFile(const QString& path, const QByteArray& bytes) {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+    static QByteArray readFile(const QString& path) {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+    }
+    static int32_t errorOf(const std::function<void()>& fn, QString* description = nullptr) {
+        try {
+            fn();
+        } catch (const BrixError& e) {
+            if (description)
+                *description = e.Description;
+            return e.Number;
+        }
+        return 0;
+    }
+    void useProfiles(const QByteArray& ini) {
+        const QString file = ConnectionProfiles::DefaultFile();
+        if (ini.isEmpty())
+            QFile::remove(file);
+        else
+            writeFile(file, ini);
+        connection().Initialize(1);
+    }
+    QByteArray prodProfile() const {
+        return "[General]\nDefault=prod\n\n[prod]\nLabel=PROD\nAccountsFolder=" +
+               accounts.toUtf8() + "\nAccounts\\OTHER=" + accounts.toUtf8() +
+               "/elsewhere\nDefaultAccount=ACC\nCommand=/bin/echo -n\nAllowCommands=yes\n"
+               "Marks=utf8\nItemNames=qm\n\n[pwd]\nAccountsFolder=" +
+               accounts.toUtf8() + "\nCommand=/bin/sh -c pwd sh\nAllowCommands=true\n";
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        QVERIFY(tmp.isValid());
+        accounts = tmp.path();
+        QDir().mkpath(accounts + QStringLiteral("/ACC/BP"));
+        QDir().mkpath(accounts + QStringLiteral("/elsewhere/BP"));
+        writeFile(accounts + QStringLiteral("/ACC/BP/MAIN"), "A\nB\xef\xa3\xbd"
+                                                             "C\n");
+        writeFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
+    }
+    void init() { useProfiles(prodProfile()); }
+
+    void pathsThereAndBack_data() {
+        QTest::addColumn<QStringList>("parts");
+        QTest::addColumn<QString>("path");
+        QTest::newRow("host item") << QStringList{"mvdb", "*", "DEMO", "BP", "MAIN"}
+                                   << QStringLiteral("mvdb://*/DEMO/BP/MAIN");
+        QTest::newRow("folder only") << QStringList{"mvdb", "PROD", "SALES", "BP", ""}
+                                     << QStringLiteral("mvdb://PROD/SALES/BP/");
+        QTest::newRow("empty parts")
+            << QStringList{"mvdb", "*", "", "", ""} << QStringLiteral("mvdb://*///");
+        QTest::newRow("escaped") << QStringList{"mvdb", "*", "A", "MY FILE", "a/b%c*"}
+                                 << QStringLiteral("mvdb://*/A/MY%20FILE/a%2Fb%25c*");
+        QTest::newRow("non-ASCII")
+            << QStringList{"mvdb", "*", "A", "F", QString::fromUtf8("\xc3\xa9")}
+            << QStringLiteral("mvdb://*/A/F/%C3%A9");
+        QTest::newRow("local file") << QStringList{"file", "", "", "/home/u/my docs", "a b.txt"}
+                                    << QStringLiteral("file:///home/u/my%20docs/a%20b.txt");
+        QTest::newRow("local root")
+            << QStringList{"file", "", "", "/", "x"} << QStringLiteral("file:///x");
+        QTest::newRow("local folder")
+            << QStringList{"file", "", "", "/tmp", ""} << QStringLiteral("file:///tmp/");
+    }
+    void pathsThereAndBack() {
+        QFETCH(QStringList, parts);
+        QFETCH(QString, path);
+        QCOMPARE(connection().MakePath(parts[0], parts[1], parts[2], parts[3], parts[4]), path);
+        QString provider, server, database, folder, item;
+        connection().ParsePath(path, provider, server, database, folder, item);
+        QCOMPARE((QStringList{provider, server, database, folder, item}), parts);
+        QVERIFY(mvPath::Same(path, path.toUpper()));
+    }
+
+    void lenientParsing() {
+        const mvPath bare = mvPath::Parse(QStringLiteral("mvdb://PROD"));
+        QCOMPARE(bare.ServerName, QStringLiteral("PROD"));
+        QVERIFY(bare.Database.isEmpty() && bare.ItemID.isEmpty());
+        const mvPath local = mvPath::Parse(QStringLiteral("/tmp/a%20b"));
+        QCOMPARE(local.Provider, QStringLiteral("file"));
+        QCOMPARE(local.ItemID, QStringLiteral("a%20b"));
+        QDir::setCurrent(accounts);
+        const mvPath made =
+            mvPath::Parse(connection().MakeFilePath({}, {}, QStringLiteral("sub/../x.txt")));
+        QCOMPARE(made.Folder, accounts);
+        QCOMPARE(made.ItemID, QStringLiteral("x.txt"));
+    }
+
+    void profiles() {
+        const ConnectionProfiles& p = connection().Profiles();
+        QCOMPARE(p.Find(QStringLiteral("*"))->Name, QStringLiteral("prod"));
+        QCOMPARE(p.Find(QStringLiteral("PROD"))->Label, QStringLiteral("PROD"));
+        QVERIFY(!p.Find(QStringLiteral("nope")));
+        QVERIFY(p.Find(QStringLiteral("demo")));
+        const HostProfile& prod = *p.Find(QStringLiteral("prod"));
+        QVERIFY(!prod.RawMarks);
+        QCOMPARE(prod.Charset, ItemTextCodec::Charset::Utf8);
+        QCOMPARE(prod.ItemNames, ItemIdCodec::Mode::Qm);
+        QCOMPARE(prod.Accounts.size(), 1);
+        QVERIFY(p.Warnings.isEmpty());
+
+        useProfiles({});
+        QCOMPARE(connection().Profiles().DefaultName(), QStringLiteral("demo"));
+    }
+
+    // A newcomer's first path: the demo account through the default connection.
+    void demoAccount() {
+        useProfiles({});
+        auto hello =
+            connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
+        QVERIFY(hello->Exists());
+        QVERIFY(hello->ReadText().contains(QStringLiteral("Hello")));
+        QCOMPARE(hello->HostLabel(), QStringLiteral("Demo"));
+        QVERIFY(!hello->HostAllows(12));
+        QCOMPARE(connection()
+                     .GetResource(QStringLiteral("mvdb://*/DEMO/BP/INVOICE.TOTALS"), true, false)
+                     ->ReadText()
+                     .count(QChar(0xF8FD)),
+                 2);
+        const auto files =
+            connection().GetResource(QStringLiteral("mvdb://*/DEMO//"), true, false)->Children();
+        QCOMPARE(files.size(), size_t(2));
+        QVERIFY(files[0].Name == QLatin1String("BP") && files[0].Container);
+        QVERIFY(files[1].Name == QLatin1String("CUSTOMERS") && !files[1].Container);
+    }
+
+    void resourcesAsHandedOut() {
+        auto main = connection().GetResource(QStringLiteral("mvdb://*/acc/BP/MAIN"), false, true);
+        QVERIFY(main->Locked());
+        QCOMPARE(main->Path(), QStringLiteral("mvdb://*/acc/BP/MAIN"));
+        QCOMPARE(main->ServerName(), QStringLiteral("*"));
+        QCOMPARE(main->ReadText(),
+                 QStringLiteral("A\r\nB") + QChar(0xF8FD) + QStringLiteral("C\r\n"));
+        QCOMPARE(main->DisplayID(), QStringLiteral("MAIN"));
+        main->Release();
+        QVERIFY(!main->Locked());
+
+        auto missing = connection().GetResource(QStringLiteral("mvdb://*/ACC/BP/NEW"), false, true);
+        QVERIFY(!missing->Exists());
+        QVERIFY(missing->IsItem());
+        QVERIFY(missing->Locked());
+        missing->SetLocked(false);
+        missing->SetLocked(false);
+
+        for (const char* path :
+             {"mvdb://*/ACC/VOC/", "mvdb://*/ACC/BP/", "mvdb://*/ACC//", "mvdb://prod///"}) {
+            auto r = connection().GetResource(QString::fromLatin1(path), false, true);
+            QVERIFY2(!r->IsItem(), path);
+            QVERIFY(!r->Locked());
+            r->Release();
+        }
+        auto other = connection().GetResource(QStringLiteral("mvdb://*/other/BP/X"), true, false);
+        QVERIFY(!other->Exists());
+    }
+
+    void lockRefusedOnlyWhenAskedFor() {
+        const QString entry = accounts + QStringLiteral("/ACC/.brix-locks/") +
+                              ItemLock::EntryName(QStringLiteral("BP"), QStringLiteral("MAIN"));
+        ItemLock::Holder other = ItemLock::Holder::Self();
+        other.Machine = QStringLiteral("far-away");
+        writeFile(entry, other.ToBytes());
+        const QString path = QStringLiteral("mvdb://*/ACC/BP/MAIN");
+        QString description;
+        QCOMPARE(errorOf([&] { connection().GetResource(path, false, true); }, &description),
+                 BrixErrors::LockedByOther);
+        QVERIFY(description.contains(QStringLiteral("far-away")));
+        QCOMPARE(errorOf([&] { connection().GetResource(path, true, true); }), 0);
+        QCOMPARE(errorOf([&] { connection().GetResource(path, false, false); }), 0);
+        QFile::remove(entry);
+    }
+
+    void unwritableItemCannotBeOpenedForWriting() {
+        const QString file = accounts + QStringLiteral("/ACC/BP/RO");
+        writeFile(file, "x");
+        ::chmod(QFile::encodeName(file).constData(), 0444);
+        const QString path = QStringLiteral("mvdb://*/ACC/BP/RO");
+        QCOMPARE(errorOf([&] { connection().GetResource(path, false, true); }),
+                 BrixErrors::CannotWrite);
+        auto r = connection().GetResource(path, true, false);
+        QVERIFY(r->ReadOnly());
+        QVERIFY(connection().GetResource(path, false, false)->ReadOnly());
+    }
+
+    void readableFailures_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("words");
+        QTest::newRow("unknown server")
+            << QStringLiteral("mvdb://NOPE/A/B/C") << int(ConnectionErrors::UnknownServer)
+            << QStringLiteral("NOPE");
+        QTest::newRow("unknown account")
+            << QStringLiteral("mvdb://*/NOPE/B/C") << int(ConnectionErrors::UnknownAccount)
+            << QStringLiteral("NOPE");
+        QTest::newRow("account escape")
+            << QStringLiteral("mvdb://*/..%2F..//") << int(ConnectionErrors::UnknownAccount)
+            << QStringLiteral("../..");
+        QTest::newRow("item without file")
+            << QStringLiteral("mvdb://*/ACC//C") << int(ConnectionErrors::BadPath)
+            << QStringLiteral("no file");
+        QTest::newRow("other provider") << QStringLiteral("ftp://x/y")
+                                        << int(ConnectionErrors::BadPath) << QStringLiteral("ftp");
+    }
+    void readableFailures() {
+        QFETCH(QString, path);
+        QFETCH(int, number);
+        QFETCH(QString, words);
+        QString description;
+        QCOMPARE(errorOf([&] { connection().GetResource(path, true, false); }, &description),
+                 number);
+        QVERIFY2(description.contains(words), qPrintable(description));
+    }
+
+    // The command is one argument of the profile's program: quotes, ";" and "$()" reach
+    // it as they are, and it runs in the account's folder.
+    void executeWithoutShell() {
+        auto r = connection().GetResource(QStringLiteral("mvdb://*/ACC/BP/MAIN"), true, false);
+        QVERIFY(r->HostAllows(12));
+        QVERIFY(!r->HostAllows(11));
+        const QString command = QStringLiteral("BASIC BP 'MAIN'; rm -rf $(pwd) \"`id`\" > x");
+        QCOMPARE(r->Host()->Execute(command, {}, 0), command);
+        QCOMPARE(r->Host()->Session().AccountName, QStringLiteral("ACC"));
+        auto pwd = connection().GetResource(QStringLiteral("mvdb://pwd/ACC/BP/"), true, false);
+        QCOMPARE(pwd->Host()->Execute(QStringLiteral("ignored")).trimmed(),
+                 QDir(accounts + QStringLiteral("/ACC")).canonicalPath());
+        QVERIFY(!QFile::exists(accounts + QStringLiteral("/ACC/x")));
+
+        auto server = connection().GetResource(QStringLiteral("mvdb://prod///"), true, false);
+        QCOMPARE(server->Host()->Session().AccountName, QStringLiteral("ACC"));
+        useProfiles({});
+        auto demo = connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
+        QCOMPARE(errorOf([&] { demo->Host()->Execute(QStringLiteral("LIST")); }),
+                 ConnectionErrors::CommandsNotAllowed);
+    }
+
+    void localFiles() {
+        const QString utf8 = accounts + QStringLiteral("/local/u.txt");
+        const QString latin = accounts + QStringLiteral("/local/l.txt");
+        writeFile(utf8, "caf\xc3\xa9\r\nline\r\n");
+        writeFile(latin, "caf\xe9\nx\n");
+        auto u = connection().GetResource(connection().MakeFilePath({}, {}, utf8), false, true);
+        QCOMPARE(u->Provider(), QStringLiteral("file"));
+        QCOMPARE(u->ItemID(), QStringLiteral("u.txt"));
+        QCOMPARE(u->ReadText(), QString::fromUtf8("caf\xc3\xa9\r\nline\r\n"));
+        u->WriteText(u->ReadText() + QStringLiteral("more"));
+        QCOMPARE(readFile(utf8), QByteArray("caf\xc3\xa9\r\nline\r\nmore"));
+        // Not UTF-8: read byte for byte, written back the same.
+        auto l = connection().GetResource(connection().MakeFilePath({}, {}, latin), false, true);
+        QCOMPARE(l->ReadText(), QString::fromLatin1("caf\xe9\r\nx\r\n"));
+        l->WriteText(l->ReadText());
+        QCOMPARE(readFile(latin), QByteArray("caf\xe9\nx\n"));
+
+        QVERIFY(!connection()
+                     .GetResource(QStringLiteral("file://") + accounts + QStringLiteral("/local/"),
+                                  false, true)
+                     ->IsItem());
+        QVERIFY(!connection()
+                     .GetResource(QStringLiteral("file://") + accounts + QStringLiteral("/local"),
+                                  false, true)
+                     ->IsItem());
+        auto missing = connection().GetResource(
+            connection().MakeFilePath({}, {}, accounts + QStringLiteral("/local/none")), false,
+            true);
+        QVERIFY(missing->IsItem());
+        QVERIFY(!missing->Exists());
+        QVERIFY(!missing->HostAllows(12));
+    }
+};
+
+BRIX_TEST_MAIN(tst_mvConnection)
+#include "tst_mvConnection.moc"
