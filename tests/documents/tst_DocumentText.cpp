@@ -1,0 +1,258 @@
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/clsDocView.h"
+#include "documents/mvDocument.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "settings/Moriox.h"
+#include "support/BrixError.h"
+
+// The conversion between host text and editor text, and the members of a document that
+// read and change its text from outside the editing commands.
+class tst_DocumentText : public QObject {
+    Q_OBJECT
+    std::shared_ptr<mvDocument> doc;
+
+    SourceView& editor() { return *doc->Editor(); }
+    ScintillaBuffer& buffer() { return *doc->Buffer(); }
+    static QString vmHost() { return QString(QChar(0xF8FD)); }
+    static QString smHost() { return QString(QChar(0xF8FC)); }
+
+    // Lines flagged as holding a label; the document's own scanner is switched off so
+    // that the flags stay as set here.
+    void setFlaggedText(const QStringList& lines, const QList<int>& flagged) {
+        doc->SetText(lines.join(QStringLiteral("\r\n")));
+        buffer().SetLex(nullptr);
+        for (int line = 0; line < lines.size(); ++line)
+            buffer().SetLineData(line, 1, flagged.contains(line) ? 0x200 | 0x1 : 0x1);
+    }
+    static int32_t errorOf(const std::function<void()>& fn, QString* description = nullptr) {
+        try {
+            fn();
+        } catch (const BrixError& e) {
+            if (description)
+                *description = e.Description;
+            return e.Number;
+        }
+        return 0;
+    }
+
+private Q_SLOTS:
+    void init() {
+        Settings().TabSize = 3;
+        doc = mvDocument::Create();
+        QVERIFY(doc->FileNew());
+        QWidget* window = doc->View()->Widget();
+        window->resize(640, 400);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+    }
+    void cleanup() {
+        doc->FileClose(false);
+        doc.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void hostToEditor_data() {
+        QTest::addColumn<int>("tabSize");
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<QString>("editor");
+        QTest::newRow("marks") << 3
+                               << QStringLiteral("A") + vmHost() + QStringLiteral("B") + smHost() +
+                                      QStringLiteral("C")
+                               << QStringLiteral("A\x1d"
+                                                 "B\x1c"
+                                                 "C");
+        QTest::newRow("attribute mark stays")
+            << 3 << QString(QChar(0xF8FE)) << QString(QChar(0xF8FE));
+        QTest::newRow("tab is a fixed run")
+            << 3 << QStringLiteral("a\tb\t") << QStringLiteral("a   b   ");
+        QTest::newRow("tab size 0 gives one blank")
+            << 0 << QStringLiteral("\tx") << QStringLiteral(" x");
+        QTest::newRow("line ends untouched")
+            << 3 << QStringLiteral("a\r\nb\nc") << QStringLiteral("a\r\nb\nc");
+    }
+    void hostToEditor() {
+        QFETCH(int, tabSize);
+        QFETCH(QString, host);
+        QFETCH(QString, editor);
+        Settings().TabSize = static_cast<int16_t>(tabSize);
+        QCOMPARE(mvDocument::HostToEditorText(host), editor);
+    }
+
+    void editorToHost_data() {
+        QTest::addColumn<QString>("editor");
+        QTest::addColumn<QString>("host");
+        QTest::newRow("LF only") << QStringLiteral("a\nb\n") << QStringLiteral("a\r\nb\r\n");
+        QTest::newRow("CR LF passes") << QStringLiteral("a\r\nb") << QStringLiteral("a\r\nb");
+        QTest::newRow("no line ends") << QStringLiteral("abc") << QStringLiteral("abc");
+        QTest::newRow("one CR LF and a bare LF")
+            << QStringLiteral("a\r\nb\nc") << QStringLiteral("a\r\nb\r\nc");
+        QTest::newRow("bare CR among LFs")
+            << QStringLiteral("a\rb\nc\n") << QStringLiteral("a\r\nb\r\nc\r\n");
+        QTest::newRow("equal counts are left")
+            << QStringLiteral("a\rb\nc") << QStringLiteral("a\rb\nc");
+        QTest::newRow("marks") << QStringLiteral("\x1d\x1c\x1e")
+                               << vmHost() + smHost() + QStringLiteral("\x1e");
+    }
+    void editorToHost() {
+        QFETCH(QString, editor);
+        QFETCH(QString, host);
+        QCOMPARE(mvDocument::EditorToHostText(editor), host);
+    }
+
+    void textReadAndWrite() {
+        doc->SetText(QStringLiteral("A\tB") + vmHost() + QStringLiteral("C\nD"));
+        QCOMPARE(buffer().GetLine(0), QStringLiteral("A   B\x1d"
+                                                     "C"));
+        QCOMPARE(doc->Text(), QStringLiteral("A   B") + vmHost() + QStringLiteral("C\r\nD"));
+        QVERIFY(doc->IsDirty());
+        QVERIFY(!buffer().CanUndo());
+    }
+
+    // Writing the text it already has keeps undo, bookmarks and the dirty state, so a
+    // client can't reset them that way; other text resets them.
+    void sameTextChangesNothing() {
+        doc->SetText(QStringLiteral("one\r\ntwo"));
+        doc->SetDirty(false);
+        editor().SetCursor(3, 1);
+        doc->SetSelText(QStringLiteral("!"));
+        editor().ToggleBookmark(0);
+        doc->SetDirty(false);
+        doc->SetText(doc->Text());
+        QVERIFY(buffer().CanUndo());
+        QVERIFY(editor().HasBookmark(0));
+        QVERIFY(!doc->IsDirty());
+        doc->SetText(QStringLiteral("other"));
+        QVERIFY(!buffer().CanUndo());
+        QVERIFY(!editor().HasBookmark(0));
+        QVERIFY(doc->IsDirty());
+    }
+
+    void selTextRead_data() {
+        QTest::addColumn<QList<int>>("selection");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("none") << QList<int>{1, 0, 1, 0} << QString();
+        QTest::newRow("one line") << QList<int>{1, 0, 3, 0} << QStringLiteral("bc");
+        QTest::newRow("two lines") << QList<int>{1, 0, 2, 1} << QStringLiteral("bc\r\nde");
+        QTest::newRow("backwards") << QList<int>{2, 1, 1, 0} << QStringLiteral("bc\r\nde");
+        QTest::newRow("marks out")
+            << QList<int>{0, 2, 3, 2} << QStringLiteral("g") + vmHost() + QStringLiteral("i");
+    }
+    void selTextRead() {
+        QFETCH(QList<int>, selection);
+        QFETCH(QString, expected);
+        doc->SetText(QStringLiteral("abc\r\ndef\r\ng") + vmHost() + QStringLiteral("i"));
+        editor().SetSelection(selection[0], selection[1], selection[2], selection[3]);
+        QCOMPARE(doc->SelText(), expected);
+    }
+
+    // The replacement is one undo step that puts the text and the selection back.
+    void selTextWriteUndoRedo() {
+        doc->SetText(QStringLiteral("abc\r\ndef"));
+        editor().SetSelection(2, 1, 1, 0);
+        doc->SetSelText(QStringLiteral("X") + vmHost() + QStringLiteral("\r\nY\tZ"));
+        QCOMPARE(buffer().AllText(), QStringLiteral("aX\x1d\nY   Zf"));
+        QCOMPARE(editor().CursorLine(), 1);
+        QCOMPARE(editor().CursorCol(), 5);
+        QVERIFY(!editor().HasSelection());
+        buffer().Undo();
+        QCOMPARE(buffer().AllText(), QStringLiteral("abc\ndef"));
+        int32_t sc, sl, ec, el;
+        editor().GetSelection(sc, sl, ec, el);
+        QCOMPARE((QList<int>{sc, sl, ec, el}), (QList<int>{2, 1, 1, 0}));
+        buffer().Redo();
+        QCOMPARE(buffer().AllText(), QStringLiteral("aX\x1d\nY   Zf"));
+        buffer().Undo();
+        QCOMPARE(buffer().AllText(), QStringLiteral("abc\ndef"));
+    }
+
+    void marksReplaceSelectionOrGoInAtCaret() {
+        doc->SetText(QStringLiteral("abcd"));
+        editor().SetSelection(1, 0, 3, 0);
+        doc->InsValue();
+        QCOMPARE(buffer().AllText(), QStringLiteral("a\x1d"
+                                                    "d"));
+        editor().SetCursor(0, 0);
+        doc->InsSubValue();
+        QCOMPARE(buffer().AllText(), QStringLiteral("\x1c"
+                                                    "a\x1d"
+                                                    "d"));
+        QCOMPARE(editor().CursorCol(), 1);
+        QCOMPARE(doc->Text(), smHost() + QStringLiteral("a") + vmHost() + QStringLiteral("d"));
+    }
+
+    void gotoLine() {
+        QStringList lines;
+        for (int i = 0; i < 1000; ++i)
+            lines << QStringLiteral("line %1").arg(i + 1);
+        doc->SetText(lines.join(QStringLiteral("\r\n")));
+        doc->GotoLine(1);
+        QCOMPARE(editor().CursorLine(), 0);
+        doc->GotoLine(0);
+        QCOMPARE(editor().CursorLine(), 0);
+        QVERIFY(doc->CursorLineVisible());
+
+        // Out of view: it comes into view, in the upper part of the window.
+        doc->GotoLine(500);
+        QCOMPARE(editor().CursorLine(), 499);
+        QVERIFY(doc->CursorLineVisible());
+        const int32_t top = editor().FirstVisibleLine();
+        QVERIFY2(499 - top < editor().VisibleRows() / 2, qPrintable(QString::number(top)));
+        // In view already: no jump.
+        doc->GotoLine(502);
+        QCOMPARE(editor().FirstVisibleLine(), top);
+        // Beyond the end: the buffer clips it.
+        doc->GotoLine(5000);
+        QCOMPARE(editor().CursorLine(), 999);
+        QVERIFY(doc->CursorLineVisible());
+    }
+
+    void buildLabels() {
+        setFlaggedText({QStringLiteral("100 X = 1"), QStringLiteral("   START: CRT 1"),
+                        QStringLiteral("A.B$C_D9 rest"), QStringLiteral("* comment"),
+                        QStringLiteral("0100 Y = 2"), QStringLiteral("NOFLAG:"),
+                        QStringLiteral("   "), QString::fromUtf8("\xc3\x89lan:"),
+                        QStringLiteral("7X")},
+                       {0, 1, 2, 3, 4, 6, 7, 8});
+        const LabelList& labels = doc->Labels();
+        QCOMPARE(labels.Names, (QStringList{QStringLiteral("100"), QStringLiteral("START"),
+                                            QStringLiteral("A.B$C_D9"), QStringLiteral("0100"),
+                                            QStringLiteral("7")}));
+        QCOMPARE(labels.Lines, (std::vector<int32_t>{0, 1, 2, 4, 8}));
+        QCOMPARE(labels.Columns, (std::vector<int32_t>{0, 3, 0, 0, 0}));
+    }
+
+    void gotoLabel() {
+        setFlaggedText({QStringLiteral("0100 A"), QStringLiteral("x"), QStringLiteral("  100 B")},
+                       {0, 2});
+        doc->GotoLabel(QStringLiteral("100"));
+        QCOMPARE(editor().CursorLine(), 2);
+        QCOMPARE(editor().CursorCol(), 2);
+        doc->GotoLabel(QStringLiteral("0100"));
+        QCOMPARE(editor().CursorLine(), 0);
+        QString description;
+        QCOMPARE(errorOf([&] { doc->GotoLabel(QStringLiteral("10")); }, &description), 32767);
+        QCOMPARE(description, QStringLiteral("Target label not found!"));
+    }
+
+    // Edits don't refresh a list already built; a new text (or a save, or a load) does.
+    void labelCache() {
+        setFlaggedText({QStringLiteral("ONE: X")}, {0});
+        QCOMPARE(doc->Labels().Count(), 1);
+        editor().SetCursor(0, 0);
+        doc->SetSelText(QStringLiteral("TWO: Y\r\n"));
+        buffer().SetLineData(0, 1, 0x200);
+        QCOMPARE(errorOf([&] { doc->GotoLabel(QStringLiteral("TWO")); }), 32767);
+        doc->DropLabels();
+        doc->GotoLabel(QStringLiteral("TWO"));
+        QCOMPARE(editor().CursorLine(), 0);
+        setFlaggedText({QStringLiteral("x"), QStringLiteral("THREE")}, {1});
+        doc->GotoLabel(QStringLiteral("THREE"));
+        QCOMPARE(editor().CursorLine(), 1);
+    }
+};
+
+BRIX_TEST_MAIN(tst_DocumentText)
+#include "tst_DocumentText.moc"
