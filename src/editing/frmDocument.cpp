@@ -3,7 +3,9 @@
 #include "app/ProcessState.h"
 #include "documents/mvDocument.h"
 #include "language/BufferLexer.h"
-#include "language/PlainLex.h"
+#include "language/DrawClass.h"
+#include "language/LexClass.h"
+#include "language/LineNumberGutter.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
@@ -39,7 +41,13 @@ void frmDocument::Load() {
     }
     lastWindowState_ = state;
 
-    lex_ = std::make_shared<PlainLex>();
+    lex_ = std::make_shared<LexClass>();
+    draw_ = std::make_shared<DrawClass>(*txtText_);
+    txtText_->Gutter().SetDrawHook(draw_);
+    // The document's own switch, which starts as the setting. The lexer keeps the default
+    // keyword table it was made with until the settings hold the shared one.
+    const auto document = viewObject_.lock();
+    lex_->Highlight = document ? document->Highlight() : Settings().Highlight;
     txtText_->Buffer().SetLex(lex_);
     ApplySettings();
 
@@ -64,11 +72,12 @@ void frmDocument::ApplySettings() {
     if (ok && size > 0)
         font.setPointSize(size);
     font.setFixedPitch(settings.FontMono);
-    txtText_->Lexer().setDefaultFont(font);
-    txtText_->Lexer().setFont(font, -1);
     txtText_->SetTabSize(settings.TabSize);
     txtText_->SetLineWrap(settings.LineWrap);
-    txtText_->Buffer().InvalidateStyles(0);
+    screenStyles_ = TokenStyleTable::ForScreen(settings);
+    printStyles_ = TokenStyleTable::ForPrinter(settings);
+    screenStyles_.ApplyTo(*txtText_, font, settings.BackColor);
+    txtText_->Gutter().Relayout();
 }
 
 void frmDocument::Activate() {
@@ -141,7 +150,12 @@ void frmDocument::SetWindowState(int16_t state) {
         Show();
 }
 
-void frmDocument::HighlightChanged(bool) { txtText_->Buffer().InvalidateStyles(0); }
+void frmDocument::HighlightChanged(bool highlight) {
+    if (lex_)
+        lex_->Highlight = highlight;
+    // Lines are scanned again as they are shown; the flags of the others follow then.
+    txtText_->Buffer().InvalidateStyles(0);
+}
 
 void frmDocument::closeEvent(QCloseEvent* event) {
     // The user closed the window: the document decides, and may keep it open.

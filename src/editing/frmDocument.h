@@ -1,12 +1,14 @@
 #pragma once
 
 #include "documents/clsDocView.h"
+#include "language/TokenStyleTable.h"
 
 #include <QMdiSubWindow>
 #include <QPointer>
 #include <memory>
 
-class ISourceLex4;
+class DrawClass;
+class LexClass;
 class frmMain;
 
 // The child window of one document. This form has no buttons of its own in its title bar;
@@ -46,7 +48,10 @@ public:
     QWidget* Widget() override { return this; }
     void HighlightChanged(bool highlight) override;
 
-    std::shared_ptr<ISourceLex4> Lex() const { return lex_; }
+    std::shared_ptr<LexClass> Lex() const { return lex_; }
+    std::shared_ptr<DrawClass> Draw() const { return draw_; }
+    // The token styles the printing draws with.
+    const TokenStyleTable& PrintStyles() const { return printStyles_; }
 
 protected:
     frmDocument(frmMain* frame, Qt::WindowFlags flags);
@@ -60,7 +65,10 @@ private:
     QPointer<frmMain> frame_;
     SourceView* txtText_ = nullptr;
     std::weak_ptr<mvDocument> viewObject_;
-    std::shared_ptr<ISourceLex4> lex_;
+    std::shared_ptr<LexClass> lex_;
+    std::shared_ptr<DrawClass> draw_;
+    TokenStyleTable screenStyles_;
+    TokenStyleTable printStyles_;
     QString titleText_;
     QString tag_;
     bool autoSaveFlag_ = false;

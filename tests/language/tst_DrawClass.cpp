@@ -1,0 +1,239 @@
+#include "TestEnv.h"
+
+#include "language/BufferLexer.h"
+#include "language/DrawClass.h"
+#include "language/ISourceLex4.h"
+#include "language/LexClass.h"
+#include "language/LineNumberGutter.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "language/TokenStyleTable.h"
+#include "settings/Moriox.h"
+#include "settings/modColors.h"
+
+#include <QImage>
+#include <QPainter>
+
+namespace {
+
+const QColor kGutter(0xC0, 0xFF, 0xC0);
+const int32_t kGutterValue = modColors::FromQColor(kGutter);
+
+// Pixels in a rectangle of the image that differ from `background`.
+int inkIn(const QImage& image, const QRect& rect, const QColor& background) {
+    int ink = 0;
+    for (int y = rect.top(); y <= rect.bottom(); ++y)
+        for (int x = rect.left(); x <= rect.right(); ++x)
+            if (image.pixelColor(x, y).rgb() != background.rgb())
+                ++ink;
+    return ink;
+}
+
+int pixelsOf(const QImage& image, const QRect& rect, const QColor& color) {
+    int count = 0;
+    for (int y = rect.top(); y <= rect.bottom(); ++y)
+        for (int x = rect.left(); x <= rect.right(); ++x)
+            if (image.pixelColor(x, y).rgb() == color.rgb())
+                ++count;
+    return count;
+}
+
+} // namespace
+
+class tst_DrawClass : public QObject {
+    Q_OBJECT
+    std::unique_ptr<SourceView> view;
+
+private Q_SLOTS:
+    void init() {
+        view = std::make_unique<SourceView>();
+        view->resize(500, 300);
+    }
+    void cleanup() { view.reset(); }
+
+    void lineNumberText_data() {
+        QTest::addColumn<int>("line");
+        QTest::addColumn<int>("digits");
+        QTest::addColumn<int>("wrapRow");
+        QTest::addColumn<bool>("lineWrap");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("line 1 width 5") << 0 << 5 << 0 << false << "00001";
+        QTest::newRow("wider number") << 123455 << 5 << 0 << false << "23456";
+        QTest::newRow("exact width") << 99998 << 5 << 0 << false << "99999";
+        QTest::newRow("width 1 is 3") << 6 << 1 << 0 << false << "007";
+        QTest::newRow("width 20 is 10") << 41 << 20 << 0 << false << "0000000042";
+        QTest::newRow("negative width") << 0 << -4 << 0 << false << "001";
+        QTest::newRow("wrapped row") << 4 << 5 << 1 << true << "     ";
+        QTest::newRow("first wrapped row") << 4 << 5 << 0 << true << "00005";
+        QTest::newRow("row index without wrap") << 4 << 5 << 2 << false << "00005";
+    }
+    void lineNumberText() {
+        QFETCH(int, line);
+        QFETCH(int, digits);
+        QFETCH(int, wrapRow);
+        QFETCH(bool, lineWrap);
+        QFETCH(QString, text);
+        QCOMPARE(DrawClass::LineNumberText(line, digits, wrapRow, lineWrap), text);
+    }
+
+    // One row drawn by hand: the number's cell, and the separator in the text's colour of
+    // paper at the gutter's last pixel column.
+    void preDrawLine_data() {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<int>("textX");
+        QTest::addColumn<int>("cellX");
+        QTest::newRow("none") << 0 << 20 << -1;
+        QTest::newRow("left edge") << 1 << 20 << 0;
+        QTest::newRow("text position") << 2 << 20 << 20;
+    }
+    void preDrawLine() {
+        QFETCH(int, mode);
+        QFETCH(int, textX);
+        QFETCH(int, cellX);
+        LineNumberGutter& gutter = view->Gutter();
+        gutter.SetMode(static_cast<int16_t>(mode));
+        gutter.SetDigits(4);
+        gutter.SetGutterColor(kGutterValue);
+        DrawClass draw(*view);
+        QImage image(200, 40, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        {
+            QPainter painter(&image);
+            SourceDrawLine record;
+            record.Painter = &painter;
+            record.CharWidth = 8;
+            record.LineHeight = 16;
+            record.TextX = textX;
+            record.LineY = 10;
+            record.Line = 0;
+            draw.ISourceDraw2_PreDrawLine(record);
+        }
+        const QColor back = gutter.TextBackColor();
+        if (cellX < 0) {
+            QCOMPARE(inkIn(image, image.rect(), Qt::black), 0);
+            return;
+        }
+        // The number's cell: four digits of eight pixels, in the gutter colour with ink.
+        const QRect cell(cellX, 10, 8 * 4 - 1, 16);
+        QVERIFY(pixelsOf(image, cell, kGutter) > 0);
+        QVERIFY(inkIn(image, cell, kGutter) > 0);
+        QCOMPARE(image.pixelColor(8 * 4 - 1, 12).rgb(), back.rgb());
+        QCOMPARE(image.pixelColor(8 * 4 - 1, 9).rgb(), QColor(Qt::black).rgb());
+        QCOMPARE(image.pixelColor(cellX, 9).rgb(), QColor(Qt::black).rgb());
+    }
+
+    void gutterTakesRoomFromTheViewport() {
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        LineNumberGutter& gutter = view->Gutter();
+        QCOMPARE(gutter.Mode(), int16_t(LineNumberGutter::ModeLeftEdge));
+        QCOMPARE(gutter.Digits(), 5);
+        const int frame = view->frameWidth();
+        QCOMPARE(gutter.Room(), gutter.CharWidth() * 5);
+        QCOMPARE(view->viewport()->x(), frame + gutter.Room());
+        QCOMPARE(gutter.geometry(), QRect(frame, frame, gutter.Room(), view->viewport()->height()));
+        gutter.SetDigits(1);
+        QCOMPARE(gutter.Room(), gutter.CharWidth() * 3);
+        QCOMPARE(view->viewport()->x(), frame + gutter.Room());
+        gutter.SetMode(LineNumberGutter::ModeNone);
+        QCOMPARE(view->viewport()->x(), frame);
+        QVERIFY(!gutter.isVisible());
+    }
+
+    // The view on screen: numbers in grey on the gutter, none below the last line or on
+    // a wrapped row, and a keyword in the colour of the style it was given.
+    void rendersGutterAndColours() {
+        Moriox settings;
+        settings.ReservedColor = 0x000000FF; // red
+        settings.ReservedStyle = TokenStyleTable::StyleBold;
+        settings.NormalColor = 0x00000000;
+        settings.BackColor = 0x00FFFFFF;
+        const TokenStyleTable table = TokenStyleTable::ForScreen(settings);
+        table.ApplyTo(*view, view->Lexer().defaultFont(), settings.BackColor);
+
+        auto lex = std::make_shared<LexClass>();
+        view->Buffer().SetLex(lex);
+        auto draw = std::make_shared<DrawClass>(*view);
+        view->Gutter().SetDrawHook(draw);
+        view->Gutter().SetGutterColor(kGutterValue);
+        view->SetLineWrap(true);
+        const QString longLine = QStringLiteral("X = ") + QString(300, QLatin1Char('A'));
+        view->Buffer().SetAllText(QStringLiteral("IF X THEN\n* note\n") + longLine);
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        QCoreApplication::processEvents();
+
+        const long keyword = view->Buffer().PositionOf(0, 0);
+        const int style = static_cast<int>(view->SendScintilla(
+            QsciScintillaBase::SCI_GETSTYLEAT, static_cast<unsigned long>(keyword)));
+        QCOMPARE(style, ScintillaBuffer::StyleOfKind(TokenKind::Reserved));
+        QCOMPARE(view->SendScintilla(QsciScintillaBase::SCI_STYLEGETFORE, style), 0x0000FFL);
+        // The component takes Qt's font weight, negated.
+        QCOMPARE(view->SendScintilla(QsciScintillaBase::SCI_STYLEGETWEIGHT, style),
+                 -long(QFont::Bold));
+        const int comment = static_cast<int>(
+            view->SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT,
+                                static_cast<unsigned long>(view->Buffer().PositionOf(0, 1))));
+        QCOMPARE(comment, ScintillaBuffer::StyleOfKind(TokenKind::Comment));
+        QCOMPARE(view->SendScintilla(QsciScintillaBase::SCI_STYLEGETFORE, comment),
+                 long(settings.CommentColor));
+
+        const QImage image = view->grab().toImage();
+        const int frame = view->frameWidth();
+        const int room = view->Gutter().Room();
+        const int height =
+            static_cast<int>(view->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0));
+        const int port = view->viewport()->x();
+        auto row = [&](int r) { return QRect(frame, frame + r * height, room - 1, height); };
+
+        // Line 1's number: grey ink on the gutter colour.
+        QVERIFY(pixelsOf(image, row(0), kGutter) > 0);
+        QVERIFY(inkIn(image, row(0), kGutter) > 0);
+        int greyish = 0;
+        const QRect first = row(0);
+        for (int y = first.top(); y <= first.bottom(); ++y)
+            for (int x = first.left(); x <= first.right(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (c.rgb() != kGutter.rgb() && std::abs(c.red() - c.green()) < 40 &&
+                    c.lightness() <= kGutter.lightness())
+                    ++greyish;
+            }
+        QVERIFY(greyish > 0);
+        // The separator on the gutter's last column is the text's paper.
+        QCOMPARE(image.pixelColor(frame + room - 1, frame + height / 2).rgb(),
+                 QColor(Qt::white).rgb());
+        // The long line wraps: its second row has no number; below the text, nothing.
+        const int wrapCount =
+            static_cast<int>(view->SendScintilla(QsciScintillaBase::SCI_WRAPCOUNT, 2));
+        QVERIFY(wrapCount > 1);
+        QVERIFY(inkIn(image, row(2), kGutter) > 0);
+        QCOMPARE(inkIn(image, row(3), kGutter), 0);
+        QCOMPARE(inkIn(image, row(2 + wrapCount), kGutter), 0);
+
+        // "IF" shows in red, and the comment line has no red at all.
+        const int ifWidth =
+            static_cast<int>(view->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0, 2L));
+        const QRect ifRect(port, frame, ifWidth + 2, height);
+        QVERIFY(pixelsOf(image, ifRect, Qt::red) > 0);
+        QCOMPARE(pixelsOf(image, QRect(port, frame + height, 200, height), Qt::red), 0);
+    }
+
+    // A click in the gutter names the line of that row.
+    void pressNamesTheLine() {
+        view->Buffer().SetAllText(QStringLiteral("a\nb\nc\nd"));
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        QSignalSpy spy(&view->Gutter(), &LineNumberGutter::LinePressed);
+        const int height =
+            static_cast<int>(view->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0));
+        QTest::mousePress(&view->Gutter(), Qt::LeftButton, Qt::ShiftModifier,
+                          QPoint(2, height * 2 + 1));
+        QCOMPARE(spy.size(), 1);
+        QCOMPARE(spy[0][0].toInt(), 2);
+        QCOMPARE(spy[0][1].value<Qt::KeyboardModifiers>(),
+                 Qt::KeyboardModifiers(Qt::ShiftModifier));
+    }
+};
+
+BRIX_TEST_MAIN(tst_DrawClass)
+#include "tst_DrawClass.moc"

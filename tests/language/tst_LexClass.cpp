@@ -1,0 +1,513 @@
+#include "TestEnv.h"
+
+#include "language/LexClass.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "language/clsKeywords.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QKeyEvent>
+#include <QStringDecoder>
+
+// Golden files: each tests/fixtures/language/<name>.bas has beside it <name>.bas.tokens with
+// the tokens (kind, start, length, text) and flags of every line. Files named
+// nohighlight*.bas are lexed with Highlight off. Set BRIX_REGEN_GOLDEN=1 to write the
+// expected files from the current lexer; then read every change before committing it.
+
+namespace {
+
+struct LineResult {
+    std::vector<SourceToken> tokens;
+    int32_t flags = 0;
+};
+
+// Program text from bytes: UTF-8 where a line is valid UTF-8, else Latin-1 with the host's
+// value and subvalue mark bytes turned into the editor's marks.
+QString decodeProgram(const QByteArray& bytes) {
+    QString out;
+    const QList<QByteArray> lines = bytes.split('\n');
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        if (i > 0)
+            out += QLatin1Char('\n');
+        const QByteArray& line = lines[i];
+        QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        QString text = utf8.decode(line);
+        if (utf8.hasError()) {
+            text.clear();
+            for (char c : line) {
+                const auto b = static_cast<unsigned char>(c);
+                text += QChar(b == 0xFD ? char16_t(29) : b == 0xFC ? char16_t(28) : char16_t(b));
+            }
+        }
+        out += text;
+    }
+    return out;
+}
+
+QString escaped(QStringView text) {
+    QString out;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            out += c;
+            out += text[++i];
+            continue;
+        }
+        switch (c.unicode()) {
+        case 29:
+            out += QLatin1String("<VM>");
+            break;
+        case 28:
+            out += QLatin1String("<SVM>");
+            break;
+        case u'\t':
+            out += QLatin1String("<TAB>");
+            break;
+        default:
+            // Half of a pair alone is no text a file can hold.
+            if (c.isSurrogate())
+                out += QStringLiteral("<U+%1>").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+            else
+                out += c;
+        }
+    }
+    return out;
+}
+
+QString describe(const QStringList& lines, const std::vector<LineResult>& results) {
+    QString out;
+    for (size_t i = 0; i < results.size(); ++i) {
+        const QString& line = lines[static_cast<qsizetype>(i)];
+        out += QStringLiteral("line %1 flags 0x%2 |%3|\n")
+                   .arg(i)
+                   .arg(static_cast<uint32_t>(results[i].flags), 8, 16, QLatin1Char('0'))
+                   .arg(escaped(line));
+        for (const SourceToken& t : results[i].tokens)
+            out += QStringLiteral("  %1 %2 %3 |%4|\n")
+                       .arg(t.Kind)
+                       .arg(t.Start)
+                       .arg(t.Length)
+                       .arg(escaped(QStringView(line).mid(t.Start, t.Length)));
+    }
+    return out;
+}
+
+bool sameTokens(const std::vector<SourceToken>& a, const std::vector<SourceToken>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
+        return x.Kind == y.Kind && x.Start == y.Start && x.Length == y.Length;
+    });
+}
+
+// Passes every call on to a LexClass and counts the lines it is asked to scan.
+class CountingLex final : public ISourceLex4 {
+public:
+    std::shared_ptr<LexClass> inner = std::make_shared<LexClass>();
+    int lines = 0;
+    void ISourceLex4_BeginLineScan(SourceBuffer& b, int32_t line, QStringView text,
+                                   int32_t r) override {
+        ++lines;
+        inner->ISourceLex4_BeginLineScan(b, line, text, r);
+    }
+    void ISourceLex4_EndLineScan(SourceBuffer& b, bool& result) override {
+        inner->ISourceLex4_EndLineScan(b, result);
+    }
+    QString ISourceLex4_GetDesiredCase(const QString& t) override {
+        return inner->ISourceLex4_GetDesiredCase(t);
+    }
+    void ISourceLex4_GetLineIndex(int32_t& i) override { inner->ISourceLex4_GetLineIndex(i); }
+    int32_t ISourceLex4_GetProperties(int32_t& p) override {
+        return inner->ISourceLex4_GetProperties(p);
+    }
+    void ISourceLex4_ScanToken(SourceToken& t) override { inner->ISourceLex4_ScanToken(t); }
+    void ISourceLex4_SetLineIndex(int32_t i) override { inner->ISourceLex4_SetLineIndex(i); }
+};
+
+} // namespace
+
+class tst_LexClass : public QObject {
+    Q_OBJECT
+    std::unique_ptr<SourceView> view;
+    std::shared_ptr<LexClass> lex;
+
+    // The whole text through the buffer: flags from UpdateLines, tokens of each line, and
+    // a check that the colours the editor shows are those of the tokens.
+    std::vector<LineResult> lexWhole(const QString& text) {
+        ScintillaBuffer& b = view->Buffer();
+        b.SetAllText(text);
+        const int32_t count = b.NumLines();
+        for (int32_t i = 0; i < count; ++i)
+            b.SetLineData(i, 1, -1);
+        int32_t scanTo = count - 1;
+        b.UpdateLines(0, count - 1, scanTo);
+        std::vector<LineResult> out(static_cast<size_t>(count));
+        for (int32_t i = 0; i < count; ++i)
+            out[static_cast<size_t>(i)].flags = b.GetLineData(i, 1);
+        b.StyleLines(0, count - 1);
+        for (int32_t i = 0; i < count; ++i) {
+            auto& result = out[static_cast<size_t>(i)];
+            result.tokens = b.ScanLine(i);
+            for (const SourceToken& t : result.tokens) {
+                for (int32_t c = t.Start; c < t.Start + t.Length; ++c) {
+                    const long at = b.PositionOf(c, i);
+                    const auto style = static_cast<int>(view->SendScintilla(
+                        QsciScintillaBase::SCI_GETSTYLEAT, static_cast<unsigned long>(at)));
+                    if (style != ScintillaBuffer::StyleOfKind(t.Kind))
+                        qWarning("line %d column %d: style %d for kind %d", i, c, style, t.Kind);
+                    if (style != ScintillaBuffer::StyleOfKind(t.Kind))
+                        return {};
+                }
+            }
+        }
+        return out;
+    }
+
+    // Each line alone in the buffer.
+    std::vector<LineResult> lexLineByLine(const QStringList& lines) {
+        std::vector<LineResult> out;
+        ScintillaBuffer& b = view->Buffer();
+        for (const QString& line : lines) {
+            b.SetAllText(line);
+            LineResult r;
+            r.tokens = b.ScanLine(0);
+            r.flags = b.GetLineData(0, 1);
+            out.push_back(std::move(r));
+        }
+        return out;
+    }
+
+    std::vector<SourceToken> tokensOf(const QString& line) {
+        view->Buffer().SetAllText(line);
+        return view->Buffer().ScanLine(0);
+    }
+
+private Q_SLOTS:
+    void init() {
+        view = std::make_unique<SourceView>();
+        view->resize(600, 300);
+        lex = std::make_shared<LexClass>();
+        view->Buffer().SetLex(lex);
+    }
+    void cleanup() {
+        view.reset();
+        lex.reset();
+    }
+
+    void golden_data() {
+        QTest::addColumn<QString>("name");
+        const QDir dir(TestEnv::Fixture(QStringLiteral("language")));
+        const QStringList names = dir.entryList({QStringLiteral("*.bas")}, QDir::Files, QDir::Name);
+        QVERIFY(names.size() >= 8);
+        for (const QString& name : names)
+            QTest::newRow(qPrintable(name)) << name;
+    }
+    void golden() {
+        QFETCH(QString, name);
+        const QString path = TestEnv::Fixture(QStringLiteral("language/") + name);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = decodeProgram(file.readAll());
+        const QStringList lines = text.split(QLatin1Char('\n'));
+        lex->Highlight = !name.startsWith(QLatin1String("nohighlight"));
+
+        const std::vector<LineResult> whole = lexWhole(text);
+        QCOMPARE(whole.size(), static_cast<size_t>(lines.size()));
+        const QString actual = describe(lines, whole);
+
+        const QString expectedPath = path + QStringLiteral(".tokens");
+        if (qEnvironmentVariableIsSet("BRIX_REGEN_GOLDEN")) {
+            QFile out(expectedPath);
+            QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            out.write(actual.toUtf8());
+        }
+        QFile expectedFile(expectedPath);
+        QVERIFY2(expectedFile.open(QIODevice::ReadOnly), qPrintable(expectedPath));
+        const QStringList expected =
+            QString::fromUtf8(expectedFile.readAll()).split(QLatin1Char('\n'));
+        const QStringList got = actual.split(QLatin1Char('\n'));
+        for (qsizetype i = 0; i < std::min(expected.size(), got.size()); ++i)
+            QCOMPARE(got[i], expected[i]);
+        QCOMPARE(got.size(), expected.size());
+
+        // Nothing crosses a line: each line alone gives the same.
+        const std::vector<LineResult> single = lexLineByLine(lines);
+        for (size_t i = 0; i < whole.size(); ++i) {
+            QVERIFY2(sameTokens(single[i].tokens, whole[i].tokens),
+                     qPrintable(lines[qsizetype(i)]));
+            QCOMPARE(single[i].flags, whole[i].flags);
+        }
+
+        // CR LF line ends make the same lines.
+        QString crlf = text;
+        crlf.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+        const std::vector<LineResult> fromCrlf = lexWhole(crlf);
+        QCOMPARE(describe(lines, fromCrlf), actual);
+    }
+
+    // Every kind and raw kind, and both line flags of the lexer, appear in the golden files.
+    void goldenFilesMeetEveryKind() {
+        QSet<int> kinds;
+        int32_t flags = 0;
+        QSet<int> lastKinds;
+        const QDir dir(TestEnv::Fixture(QStringLiteral("language")));
+        for (const QString& name : dir.entryList({QStringLiteral("*.bas")}, QDir::Files)) {
+            QFile file(dir.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            lex->Highlight = !name.startsWith(QLatin1String("nohighlight"));
+            const QStringList lines = decodeProgram(file.readAll()).split(QLatin1Char('\n'));
+            for (const QString& line : lines) {
+                view->Buffer().SetAllText(line);
+                SourceToken t;
+                lex->ISourceLex4_BeginLineScan(view->Buffer(), 0, line, 0);
+                do {
+                    lex->ISourceLex4_ScanToken(t);
+                    kinds.insert(t.Kind);
+                    lastKinds.insert(lex->LastKind());
+                } while (t.Kind != TokenKind::End);
+                flags |= lex->LineFlags();
+            }
+        }
+        for (int kind : {0, 1, 2, 4, 5, 6, 7, 8, 10, 1001, 1002})
+            QVERIFY2(kinds.contains(kind) || kind == TokenKind::Keyword,
+                     qPrintable(QString::number(kind)));
+        for (int raw : {100, 101, 102, 103, 104, 105})
+            QVERIFY2(lastKinds.contains(raw), qPrintable(QString::number(raw)));
+        QCOMPARE(flags & (LexClass::FlagComment | LexClass::FlagLabel),
+                 LexClass::FlagComment | LexClass::FlagLabel);
+    }
+
+    // Lines that need a table other than the default one. Tokens as kind:start:length.
+    void withKeywordTable_data() {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<bool>("caseSensitive");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("tokens");
+        QTest::addColumn<int>("flags");
+        QTest::newRow("user word") << "DEBUG" << false << "DEBUG X"
+                                   << "4:0:5 1:5:1 8:6:1" << 0;
+        QTest::newRow("user word any case") << "DEBUG" << false << "debug"
+                                            << "4:0:5" << 0;
+        QTest::newRow("dollar first char") << "$FOO" << false << "$FOO = 1"
+                                           << "4:0:4 1:4:1 8:5:1 1:6:1 8:7:1" << 0;
+        QTest::newRow("dollar unknown") << "" << false << "$FOO"
+                                        << "8:0:1 8:1:3" << 0;
+        QTest::newRow("dollar word not listed") << "$FOO" << false << "$BAR"
+                                                << "8:0:1 8:1:3" << 0;
+        QTest::newRow("at word listed") << "@ID" << false << "@ID"
+                                        << "4:0:3" << 0;
+        QTest::newRow("next char from list") << "A-B" << false << "A-B"
+                                             << "4:0:3" << 0;
+        QTest::newRow("open if last, last") << "OPENS]" << false << "X = OPENS"
+                                            << "8:0:1 1:1:1 8:2:1 1:3:1 4:4:5" << 0x8000;
+        QTest::newRow("open if last, not last") << "OPENS]" << false << "OPENS X"
+                                                << "4:0:5 1:5:1 8:6:1" << 0;
+        QTest::newRow("open if first") << "BLK[" << false << "BLK"
+                                       << "4:0:3" << 0x4000;
+        QTest::newRow("open if first, behind ;") << "BLK[" << false << "X ; BLK"
+                                                 << "8:0:1 1:1:1 5:2:1 1:3:1 4:4:3" << 0x4000;
+        QTest::newRow("open if first, not first")
+            << "BLK[" << false << "IF X THEN BLK"
+            << "10:0:2 1:2:1 8:3:1 1:4:1 10:5:4 1:9:1 4:10:3" << 0;
+        QTest::newRow("open anywhere") << "OPN+" << false << "X OPN Y"
+                                       << "8:0:1 1:1:1 4:2:3 1:5:1 8:6:1" << 0x800;
+        QTest::newRow("close") << "CLOSER-" << false << "X CLOSER"
+                               << "8:0:1 1:1:1 4:2:6" << 0x1000;
+        QTest::newRow("middle") << "MID=" << false << "MID"
+                                << "4:0:3" << 0x2000;
+        QTest::newRow("built-in keeps its block") << "THEN-" << false << "IF X THEN"
+                                                  << "10:0:2 1:2:1 8:3:1 1:4:1 10:5:4" << 0x80;
+        QTest::newRow("on both lists is reserved") << "CALL" << false << "CALL X"
+                                                   << "10:0:4 1:4:1 8:5:1" << 0;
+        QTest::newRow("case-sensitive lower goto") << "" << true << "goto X"
+                                                   << "8:0:4 1:4:1 8:5:1" << 0;
+        QTest::newRow("case-sensitive upper goto") << "" << true << "GOTO X"
+                                                   << "10:0:5 2:5:1" << 0;
+        QTest::newRow("case-sensitive mixed") << "" << true << "Then"
+                                              << "8:0:4" << 0;
+        QTest::newRow("case-sensitive user") << "Debug" << true << "Debug DEBUG"
+                                             << "4:0:5 1:5:1 8:6:5" << 0;
+    }
+    void withKeywordTable() {
+        QFETCH(QString, user);
+        QFETCH(bool, caseSensitive);
+        QFETCH(QString, line);
+        QFETCH(QString, tokens);
+        QFETCH(int, flags);
+        lex->Keywords->SetCaseSensitive(caseSensitive);
+        lex->Keywords->SetKeywordList(4, QStringLiteral(" "), user);
+        QStringList got;
+        for (const SourceToken& t : tokensOf(line))
+            got << QStringLiteral("%1:%2:%3").arg(t.Kind).arg(t.Start).arg(t.Length);
+        QCOMPARE(got.join(QLatin1Char(' ')), tokens);
+        QCOMPARE(view->Buffer().GetLineData(0, 1), flags);
+    }
+
+    // The table is shared: a change of it shows in the next scan.
+    void sharedTableChangesTakeEffect() {
+        auto table = std::make_shared<clsKeywords>();
+        lex->Keywords = table;
+        QCOMPARE(tokensOf(QStringLiteral("DEBUG"))[0].Kind, TokenKind::Normal);
+        table->SetKeywordList(4, QStringLiteral(" "), QStringLiteral("DEBUG"));
+        QCOMPARE(tokensOf(QStringLiteral("DEBUG"))[0].Kind, TokenKind::Keyword);
+    }
+
+    void scanState_data() {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<int>("parenDepth");
+        QTest::addColumn<int>("lastKindBeforeEnd");
+        QTest::newRow("open paren") << "A(1;2" << 1 << 8;
+        QTest::newRow("negative depth") << "X = 1))" << -2 << 8;
+        QTest::newRow("string cut by mark") << "A = \"x\x1d" << 0 << 104;
+        QTest::newRow("comment cut by mark") << "* x\x1d" << 0 << 105;
+        QTest::newRow("separator") << "X = 1 ;" << 0 << 102;
+        QTest::newRow("target comma") << "GOSUB 1," << 0 << 103;
+        QTest::newRow("label") << "LBL:" << 0 << 100;
+        QTest::newRow("spaces keep it") << "GOTO   " << 0 << 101;
+    }
+    void scanState() {
+        QFETCH(QString, line);
+        QFETCH(int, parenDepth);
+        QFETCH(int, lastKindBeforeEnd);
+        view->Buffer().SetAllText(line);
+        lex->ISourceLex4_BeginLineScan(view->Buffer(), 0, line, 0);
+        QCOMPARE(lex->LastKind(), int16_t(0));
+        SourceToken t;
+        int16_t before = 0;
+        for (;;) {
+            lex->ISourceLex4_ScanToken(t);
+            if (t.Kind == TokenKind::End)
+                break;
+            before = lex->LastKind();
+        }
+        QCOMPARE(int(before), lastKindBeforeEnd);
+        QCOMPARE(int(lex->ParenDepth()), parenDepth);
+        QCOMPARE(lex->LastKind(), int16_t(0));
+        QCOMPARE(t.Start, line.size());
+        QCOMPARE(t.Length, 0);
+    }
+
+    // The rest of the interface, and an index moved anywhere doesn't break the scan.
+    void interfaceMembers() {
+        const QString line = QStringLiteral("IF X THEN");
+        view->Buffer().SetAllText(line);
+        lex->ISourceLex4_BeginLineScan(view->Buffer(), 0, line, 0);
+        int32_t properties = 7;
+        QCOMPARE(lex->ISourceLex4_GetProperties(properties), 0);
+        QCOMPARE(properties, 0);
+        QCOMPARE(lex->ISourceLex4_GetDesiredCase(QStringLiteral("then")), QString());
+        lex->ISourceLex4_SetLineIndex(5);
+        int32_t index = 0;
+        lex->ISourceLex4_GetLineIndex(index);
+        QCOMPARE(index, 5);
+        SourceToken t;
+        lex->ISourceLex4_ScanToken(t);
+        QCOMPARE(t.Kind, TokenKind::Reserved);
+        QCOMPARE(t.Start, 5);
+        QCOMPARE(t.Length, 4);
+        for (int32_t start : {-3, 400}) {
+            lex->ISourceLex4_SetLineIndex(start);
+            int guard = 0;
+            do {
+                lex->ISourceLex4_ScanToken(t);
+            } while (t.Kind != TokenKind::End && ++guard < 20);
+            QCOMPARE(t.Kind, TokenKind::End);
+        }
+        bool rescan = true;
+        lex->ISourceLex4_EndLineScan(view->Buffer(), rescan);
+        QVERIFY(!rescan);
+    }
+
+    // The buffer's length wins over the text it hands in.
+    void textCutToTheLineLength() {
+        view->Buffer().SetAllText(QStringLiteral("AB"));
+        const QString longer = QStringLiteral("AB\"CD");
+        lex->ISourceLex4_BeginLineScan(view->Buffer(), 0, longer, 0);
+        SourceToken t;
+        lex->ISourceLex4_ScanToken(t);
+        QCOMPARE(t.Length, 2);
+        lex->ISourceLex4_ScanToken(t);
+        QCOMPARE(t.Kind, TokenKind::End);
+    }
+
+    // Over real programs nobody here wrote: tokens cover each line exactly, and a second
+    // scan gives the same tokens and flags.
+    void corpus_data() {
+        QTest::addColumn<QString>("path");
+        QDirIterator it(TestEnv::Shared(QStringLiteral("corpus")), QDir::Files,
+                        QDirIterator::Subdirectories);
+        QStringList paths;
+        while (it.hasNext()) {
+            const QString path = it.next();
+            if (!path.endsWith(QLatin1String(".md")))
+                paths << path;
+        }
+        paths.sort();
+        if (paths.isEmpty())
+            QSKIP("no corpus beside the project");
+        for (const QString& path : paths)
+            QTest::newRow(qPrintable(QFileInfo(path).fileName())) << path;
+    }
+    void corpus() {
+        QFETCH(QString, path);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        ScintillaBuffer& b = view->Buffer();
+        b.SetAllText(decodeProgram(file.readAll()));
+        const int32_t count = b.NumLines();
+        int32_t scanTo = count - 1;
+        b.UpdateLines(0, count - 1, scanTo);
+        for (int32_t i = 0; i < count; ++i) {
+            const int32_t flags = b.GetLineData(i, 1);
+            const std::vector<SourceToken> first = b.ScanLine(i);
+            int32_t at = 0;
+            for (const SourceToken& t : first) {
+                QVERIFY2(t.Start == at && t.Length > 0,
+                         qPrintable(QStringLiteral("line %1 column %2").arg(i).arg(at)));
+                at += t.Length;
+            }
+            QCOMPARE(at, b.GetLineLength(i));
+            QCOMPARE(b.GetLineData(i, 1), flags);
+            QVERIFY(sameTokens(b.ScanLine(i), first));
+        }
+    }
+
+    // A key typed in a long program scans the line it changed, and no other.
+    void typingScansOnlyTheChangedLine() {
+        auto counting = std::make_shared<CountingLex>();
+        view->Buffer().SetLex(counting);
+        QString text;
+        for (int i = 0; i < 400; ++i)
+            text += QStringLiteral("   IF X%1 THEN GOSUB 100 ; * note\n").arg(i);
+        view->Buffer().SetAllText(text);
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        view->SetCursor(3, 5);
+        QCoreApplication::processEvents();
+        view->repaint();
+        for (int key = 0; key < 3; ++key) {
+            counting->lines = 0;
+            QTest::keyClick(view.get(), Qt::Key_A);
+            view->repaint();
+            QCoreApplication::processEvents();
+            QCOMPARE(counting->lines, 1);
+        }
+        QCOMPARE(view->Buffer().GetLine(5), QStringLiteral("   aaaIF X5 THEN GOSUB 100 ; * note"));
+        // The new text is coloured: "aaaIF" is no keyword, so it is normal text.
+        const long at = view->Buffer().PositionOf(3, 5);
+        QCOMPARE(int(view->SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT,
+                                         static_cast<unsigned long>(at))),
+                 ScintillaBuffer::StyleOfKind(TokenKind::Normal));
+        // A new line scans the two lines it touches.
+        counting->lines = 0;
+        QTest::keyClick(view.get(), Qt::Key_Return);
+        view->repaint();
+        QCoreApplication::processEvents();
+        QCOMPARE(counting->lines, 2);
+        QCOMPARE(view->Buffer().GetLine(6), QStringLiteral("IF X5 THEN GOSUB 100 ; * note"));
+        QCOMPARE(view->Buffer().GetLineData(6, 1), 0);
+    }
+};
+
+BRIX_TEST_MAIN(tst_LexClass)
+#include "tst_LexClass.moc"

@@ -1,0 +1,90 @@
+#include "TestEnv.h"
+
+#include "settings/modColors.h"
+
+#include <QPalette>
+
+class tst_modColors : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void describe_data() {
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("standard red") << 0x0000FF << "Red (standard color) R=255 G=0 B=0";
+        QTest::newRow("standard dark blue")
+            << 0x800000 << "Dark Blue (standard color) R=0 G=0 B=128";
+        QTest::newRow("black") << 0 << "Black (standard color) R=0 G=0 B=0";
+        QTest::newRow("custom") << 0x123456 << "custom color: R=86 G=52 B=18";
+        QTest::newRow("unknown system")
+            << int(0x800000FFu) << "unknown system color 255 R=0 G=0 B=0";
+    }
+    void describe() {
+        QFETCH(int, value);
+        QFETCH(QString, text);
+        QCOMPARE(modColors::DescribeColor(value), text);
+    }
+
+    // Names come by row of the compact table, the colour by the index.
+    void describeSystemColourByRow() {
+        const int32_t count = modColors::SystemColorCount();
+        QVERIFY(count > 20 && count <= 31);
+        const int32_t window = static_cast<int32_t>(0x80000005u);
+        const QColor base = QGuiApplication::palette().color(QPalette::Active, QPalette::Base);
+        QCOMPARE(modColors::DescribeColor(window),
+                 modColors::SystemColorName(5) + QStringLiteral(" (system color) R=%1 G=%2 B=%3")
+                                                     .arg(base.red())
+                                                     .arg(base.green())
+                                                     .arg(base.blue()));
+        const int32_t pastEnd = modColors::SystemBit | count;
+        QVERIFY(modColors::DescribeColor(pastEnd).startsWith(
+            QStringLiteral("unknown system color %1 R=").arg(count)));
+    }
+
+    void systemTable() {
+        modColors::SetUpColors();
+        const int32_t count = modColors::SystemColorCount();
+        modColors::SetUpColors();
+        QCOMPARE(modColors::SystemColorCount(), count);
+        QStringList names;
+        for (int32_t row = 0; row < count; ++row) {
+            names << modColors::SystemColorName(row);
+            QVERIFY(modColors::SystemColorValue(row) < 0);
+        }
+        QStringList sorted = names;
+        sorted.sort();
+        QCOMPARE(names, sorted);
+        QVERIFY(names.contains(QStringLiteral("Window Background")));
+        QVERIFY(names.contains(QStringLiteral("Gray Text")));
+        // Parts of the desktop that the window manager draws have no colour here.
+        QVERIFY(!names.contains(QStringLiteral("Desktop Background")));
+        QCOMPARE(modColors::SystemColorName(count), QString());
+        QCOMPARE(modColors::StandardColorName(15), QStringLiteral("White"));
+        QCOMPARE(modColors::StandardColorValue(9), 0xFF0000);
+    }
+
+    void resolve_data() {
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QColor>("color");
+        const QPalette palette = QGuiApplication::palette();
+        QTest::newRow("plain") << 0x00336699 << QColor(0x99, 0x66, 0x33);
+        QTest::newRow("window") << int(0x80000005u)
+                                << palette.color(QPalette::Active, QPalette::Base);
+        QTest::newRow("window text")
+            << int(0x80000008u) << palette.color(QPalette::Active, QPalette::Text);
+        QTest::newRow("grey text")
+            << int(0x80000011u) << palette.color(QPalette::Disabled, QPalette::Text);
+        QTest::newRow("high bits ignored")
+            << int(0x80FF0005u) << palette.color(QPalette::Active, QPalette::Base);
+        QTest::newRow("no counterpart") << int(0x80000001u) << QColor(0, 0, 0);
+    }
+    void resolve() {
+        QFETCH(int, value);
+        QFETCH(QColor, color);
+        QCOMPARE(modColors::ToQColor(value), QColor(color.red(), color.green(), color.blue()));
+        QCOMPARE(modColors::ResolveColor(value), modColors::FromQColor(color));
+    }
+};
+
+BRIX_TEST_MAIN(tst_modColors)
+#include "tst_modColors.moc"
