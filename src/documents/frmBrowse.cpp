@@ -135,6 +135,18 @@ frmBrowse::frmBrowse(const QString& caption, const std::shared_ptr<mvResource>& 
         connect(list, &QListWidget::itemActivated, this, &frmBrowse::activate);
     }
 
+    optHost_->setObjectName(QStringLiteral("optHost"));
+    optLocal_->setObjectName(QStringLiteral("optLocal"));
+    cboHost_->setObjectName(QStringLiteral("cboHost"));
+    cboAccount_->setObjectName(QStringLiteral("cboAccount"));
+    cboFile_->setObjectName(QStringLiteral("cboFile"));
+    lstItems_->setObjectName(QStringLiteral("lstItems"));
+    txtFolder_->setObjectName(QStringLiteral("txtFolder"));
+    lstLocal_->setObjectName(QStringLiteral("lstLocal"));
+    cboType_->setObjectName(QStringLiteral("cboType"));
+    txtName_->setObjectName(QStringLiteral("txtName"));
+    chkReadOnly_->setObjectName(QStringLiteral("chkReadOnly"));
+
     fillServers();
     fillLocal();
     (model_.CurrentMode() == BrowseModel::Mode::Host ? optHost_ : optLocal_)->setChecked(true);
