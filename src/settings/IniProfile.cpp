@@ -26,7 +26,7 @@ IniProfile IniProfile::Load(const QString& path) {
         profile.readable_ = false;
         return profile;
     }
-    const QByteArray bytes = file.read(MaxFileSize + 1);
+    const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError || bytes.size() > MaxFileSize) {
         profile.readable_ = false;
         return profile;

@@ -249,6 +249,7 @@ void Moriox::LoadSettings() {
 }
 
 void Moriox::SaveSettings() const {
+    const SettingsStore::Batch batch;
     tolerate([&] { write(QString(), QString::number(SettingsVersion)); });
     for (const Field& field : Fields)
         tolerate([&] { write(QLatin1String(field.WriteKey), fieldText(*this, field)); });
@@ -257,6 +258,7 @@ void Moriox::SaveSettings() const {
 }
 
 void Moriox::migrate() {
+    const SettingsStore::Batch batch;
     const Reader legacy = &LegacySettings::Read;
     // The window keys have no member: they go straight to the store, and only when the
     // earlier version had them.

@@ -11,7 +11,9 @@
 #include <QSet>
 #include <QSettings>
 #include <QStringDecoder>
+#include <map>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -24,6 +26,10 @@ struct StoreState {
     QString StateFile;
     // Per-user store files already looked at for damage in this run.
     QSet<QString> CheckedFiles;
+    // While a batch runs: the open per-user stores by section, and the state file's edits.
+    int BatchDepth = 0;
+    std::map<QString, std::unique_ptr<QSettings>> OpenUserStores;
+    std::optional<IniProfile> PendingStateFile;
 };
 
 StoreState& store() {
@@ -69,12 +75,23 @@ void setUp() {
 }
 
 // The per-user store of a registry-style section: "Software", maker, product, then groups.
-std::unique_ptr<QSettings> openUserStore(const QString& section) {
+// Outside a batch `owner` gets a store of its own, to be dropped after the call.
+QSettings& userStore(const QString& section, std::unique_ptr<QSettings>& owner) {
+    StoreState& s = store();
+    if (s.BatchDepth > 0) {
+        if (const auto open = s.OpenUserStores.find(section); open != s.OpenUserStores.end())
+            return *open->second;
+    }
     const QStringList pieces = section.split(QLatin1Char('\\'), Qt::SkipEmptyParts);
     auto settings = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
                                                 pieces.value(1), pieces.value(2));
     settings->beginGroup(pieces.mid(3).join(QLatin1Char('/')));
-    return settings;
+    QSettings& result = *settings;
+    if (s.BatchDepth > 0)
+        s.OpenUserStores[section] = std::move(settings);
+    else
+        owner = std::move(settings);
+    return result;
 }
 
 // The store refuses an empty key; its "Default" is the unnamed value of the section.
@@ -131,8 +148,8 @@ bool mayWriteUserStore(const QSettings& settings) {
 }
 
 QString readUserStore(const QString& section, const QString& key, const QString& defaultValue) {
-    const auto settings = openUserStore(section);
-    const QVariant stored = settings->value(userStoreKey(key));
+    std::unique_ptr<QSettings> owner;
+    const QVariant stored = userStore(section, owner).value(userStoreKey(key));
     if (!stored.isValid())
         return defaultValue;
     QString value = SettingText::FromStored(stored);
@@ -149,12 +166,14 @@ void writeUserStore(const QString& section, const QString& key, const QString& v
     QString stored = value;
     if (!defaultValue.isEmpty() && (value.isEmpty() || value == defaultValue))
         stored.clear();
-    const auto settings = openUserStore(section);
-    if (!mayWriteUserStore(*settings))
+    std::unique_ptr<QSettings> owner;
+    QSettings& settings = userStore(section, owner);
+    if (!mayWriteUserStore(settings))
         return;
     // An empty value stays as an empty string; it reads back as the default.
-    settings->setValue(userStoreKey(key), stored);
-    settings->sync();
+    settings.setValue(userStoreKey(key), stored);
+    if (owner)
+        settings.sync();
 }
 
 bool isQuoteOrBlank(QChar c) {
@@ -164,20 +183,40 @@ bool isQuoteOrBlank(QChar c) {
 
 void writeStateFile(const QString& section, const QString& key, const QString& value,
                     const QString& defaultValue) {
-    const QString file = store().StateFile;
+    StoreState& s = store();
+    const QString& file = s.StateFile;
     // A new file starts as a lone byte-order mark, so that it is kept in UTF-16.
     if (!SettingsStore::FileExists(file))
         SettingsStore::WriteTextFile(file, QString(), SettingsStore::Utf16Bom, false);
+    IniProfile own;
+    if (s.BatchDepth > 0 && !s.PendingStateFile)
+        s.PendingStateFile = IniProfile::Load(file);
+    else if (s.BatchDepth == 0)
+        own = IniProfile::Load(file);
+    IniProfile& profile = s.BatchDepth > 0 ? *s.PendingStateFile : own;
     const QString iniSection = SettingsStore::IniSection(section);
     const QString iniKey = SettingsStore::IniKey(key);
     if (value.isEmpty() || value == defaultValue) {
-        IniProfile::DeleteKey(file, iniSection, iniKey);
-        return;
+        profile.RemoveKey(iniSection, iniKey);
+    } else {
+        // Quotes keep the blanks and quotes at the ends that the reader would strip.
+        const bool quote = isQuoteOrBlank(value.front()) || isQuoteOrBlank(value.back());
+        profile.SetValue(iniSection, iniKey,
+                         quote ? QLatin1Char('"') + value + QLatin1Char('"') : value);
     }
-    // Quotes keep the blanks and quotes at the ends that the reader would strip.
-    const bool quote = isQuoteOrBlank(value.front()) || isQuoteOrBlank(value.back());
-    IniProfile::WriteString(file, iniSection, iniKey,
-                            quote ? QLatin1Char('"') + value + QLatin1Char('"') : value);
+    if (s.BatchDepth == 0)
+        profile.Save(file);
+}
+
+QString readStateFile(const QString& section, const QString& key, const QString& defaultValue) {
+    const StoreState& s = store();
+    if (!s.PendingStateFile)
+        return readIni(s.StateFile, SettingsStore::IniSection(section), SettingsStore::IniKey(key),
+                       defaultValue, SettingsStore::ReadBufferChars);
+    const QString value =
+        s.PendingStateFile->Value(SettingsStore::IniSection(section), SettingsStore::IniKey(key))
+            .left(SettingsStore::ReadBufferChars - 1);
+    return value.isEmpty() ? defaultValue : value;
 }
 
 QByteArray utf16Bytes(const QString& text) {
@@ -200,8 +239,7 @@ QString SettingsStore::ReadSetting(const QString& section, const QString& key,
         case 1:
             return readUserStore(section, key, defaultValue);
         case 2:
-            return readIni(store().StateFile, IniSection(section), IniKey(key), defaultValue,
-                           ReadBufferChars);
+            return readStateFile(section, key, defaultValue);
         default:
             return defaultValue;
         }
@@ -374,6 +412,26 @@ bool SettingsStore::WriteTextFile(const QString& path, const QString& text, int 
     if (!written && raiseErrors)
         throw BrixError(75, QStringLiteral("Path/File access error: ") + path);
     return written;
+}
+
+SettingsStore::Batch::Batch() {
+    ++store().BatchDepth;
+}
+
+SettingsStore::Batch::~Batch() {
+    StoreState& s = store();
+    if (--s.BatchDepth > 0)
+        return;
+    try {
+        for (auto& [section, settings] : s.OpenUserStores)
+            settings->sync();
+        s.OpenUserStores.clear();
+        if (s.PendingStateFile)
+            s.PendingStateFile->Save(s.StateFile);
+    } catch (...) {
+        // Lost writes are dropped in silence, as single ones are.
+    }
+    s.PendingStateFile.reset();
 }
 
 void SettingsStore::Reinitialise(const QString& executableFolder) {

@@ -51,6 +51,17 @@ public:
     static bool WriteTextFile(const QString& path, const QString& text, int encoding,
                               bool raiseErrors);
 
+    // Holds back the file writes of the WriteSetting calls made while it lives and does them
+    // in one go at its end, so that saving every setting doesn't rewrite a file per key.
+    // Reads in the meantime see the held values. Batches nest; the outermost one writes.
+    class Batch {
+    public:
+        Batch();
+        ~Batch();
+        Batch(const Batch&) = delete;
+        Batch& operator=(const Batch&) = delete;
+    };
+
     // Forgets the set-up, so that the next read or write runs it again against the selection
     // file in `executableFolder` (empty: the real folder of the executable).
     static void Reinitialise(const QString& executableFolder = QString());

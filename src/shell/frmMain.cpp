@@ -111,6 +111,7 @@ void frmMain::restoreWindowState() {
 }
 
 void frmMain::saveWindowState() {
+    const SettingsStore::Batch batch;
     // A frame closed while minimised keeps the state stored before.
     if (!isMinimized())
         writeWindowSetting(QStringLiteral("MainState"), QString::number(isMaximized() ? 2 : 0));

@@ -1,3 +1,4 @@
+#include "SettingsSandbox.h"
 #include "TestEnv.h"
 
 #include "settings/IniProfile.h"
@@ -7,11 +8,6 @@
 #include <unistd.h>
 
 namespace {
-
-// A byte string literal with its NUL bytes, without the terminating one.
-template <size_t N> QByteArray bytes(const char (&text)[N]) {
-    return QByteArray(text, N - 1);
-}
 
 QByteArray utf16le(const QString& text) {
     QByteArray bytes("\xFF\xFE", 2);
@@ -207,13 +203,13 @@ private Q_SLOTS:
         QTest::addColumn<QString>("readable"); // what key "A" of section "S" holds
 
         QTest::newRow("binary and invalid utf-8")
-            << bytes("\x00\x01\xFF\xFE garbage\n\x80\x81\n[S]\nA=1\n\xC3\x28 zz\n") << "1";
+            << Bytes("\x00\x01\xFF\xFE garbage\n\x80\x81\n[S]\nA=1\n\xC3\x28 zz\n") << "1";
         QByteArray truncated = utf16le(QStringLiteral("[S]\r\nA=2\r\nB=cut"));
         truncated.append('\x41');
         QTest::newRow("truncated utf-16") << truncated << "2";
         QTest::newRow("latin-1 text") << QByteArray("[S]\nA=3\nName=caf\xE9\n") << "3";
         QTest::newRow("no sections at all")
-            << bytes("\x89PNG\r\n\x1A\n\x00\x00\x00\rIHDR") << "<none>";
+            << Bytes("\x89PNG\r\n\x1A\n\x00\x00\x00\rIHDR") << "<none>";
     }
 
     void damagedFilesSurviveEdits() {

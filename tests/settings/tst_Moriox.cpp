@@ -1,0 +1,531 @@
+#include "SettingsSandbox.h"
+#include "TestEnv.h"
+
+#include "settings/IniProfile.h"
+#include "settings/Moriox.h"
+#include "settings/SettingText.h"
+#include "settings/SettingsStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <functional>
+#include <map>
+
+namespace {
+
+const QString IniSection = QStringLiteral("MultiValueEditor_Settings_");
+
+// Puts a state file in place before the store first looks at it.
+void writeStateFile(const SettingsSandbox& sandbox, const QByteArray& bytes) {
+    QDir().mkpath(sandbox.DataFolder());
+    QFile file(sandbox.StateFile());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QString stored(const SettingsSandbox& sandbox, const QString& key) {
+    return IniProfile::FromBytes(sandbox.StateFileBytes()).Value(IniSection, key);
+}
+
+QStringList recentItems(const Moriox& settings) {
+    QStringList items;
+    for (int16_t i = 1; i <= settings.RecentList->ListCount(); ++i)
+        items << settings.RecentList->ListItem(i);
+    return items;
+}
+
+// A member as text, for the members the data-driven rows look at.
+QString member(const Moriox& m, const QString& name) {
+    static const std::map<QString, std::function<QString(const Moriox&)>> members = {
+        {QStringLiteral("FontName"), [](const Moriox& s) { return s.FontName; }},
+        {QStringLiteral("FontSize"), [](const Moriox& s) { return s.FontSize; }},
+        {QStringLiteral("FontMono"),
+         [](const Moriox& s) { return SettingText::FromBoolean(s.FontMono); }},
+        {QStringLiteral("BackColor"), [](const Moriox& s) { return QString::number(s.BackColor); }},
+        {QStringLiteral("TabSize"), [](const Moriox& s) { return QString::number(s.TabSize); }},
+        {QStringLiteral("Margin"), [](const Moriox& s) { return QString::number(s.Margin); }},
+        {QStringLiteral("IndentStar"),
+         [](const Moriox& s) { return QString::number(s.IndentStar); }},
+        {QStringLiteral("IndentBang"),
+         [](const Moriox& s) { return QString::number(s.IndentBang); }},
+        {QStringLiteral("HotTrack"),
+         [](const Moriox& s) { return SettingText::FromBoolean(s.HotTrack); }},
+        {QStringLiteral("Highlight"),
+         [](const Moriox& s) { return SettingText::FromBoolean(s.Highlight); }},
+        {QStringLiteral("CompileOptions"), [](const Moriox& s) { return s.CompileOptions; }},
+        {QStringLiteral("ResultsFontName"), [](const Moriox& s) { return s.ResultsFontName; }},
+        {QStringLiteral("LanguageKeywords"),
+         [](const Moriox& s) { return s.LanguageKeywordsText; }},
+        {QStringLiteral("Recent"),
+         [](const Moriox& s) { return recentItems(s).join(QLatin1Char('|')); }},
+    };
+    return members.at(name)(m);
+}
+
+// Every member away from its default, with texts the store must keep as they are.
+void fillOddly(Moriox& m) {
+    m.FontName = QStringLiteral("Liberation Mono");
+    m.FontSize = QStringLiteral(" 11 ");
+    m.FontMono = false;
+    m.BackColor = static_cast<int32_t>(0x8000000Fu);
+    m.NormalColor = 0x00FFFFFF;
+    m.NormalStyle = 3;
+    m.KeywordColor = 1;
+    m.KeywordStyle = 1;
+    m.StringColor = 2;
+    m.StringStyle = 2;
+    m.LabelColor = 3;
+    m.LabelStyle = 1;
+    m.CommentColor = -4;
+    m.CommentStyle = -32768;
+    m.ReservedColor = INT32_MIN;
+    m.ReservedStyle = 32767;
+    m.Highlight = false;
+    m.LineWrap = true;
+    m.TabSize = 8;
+    m.Margin = 0;
+    m.IndentStar = 2;
+    m.IndentBang = 1;
+    m.CompileCommand = QStringLiteral("\"BASIC\"");
+    m.CompileOptions = QStringLiteral("  -I 'x' ");
+    m.LanguageKeywordsText = QStringLiteral("CASE END IF");
+    m.UserKeywordsText = QStringLiteral("MY.SUB Grüße");
+    m.CaseSensitiveKeywords = true;
+    m.RecordLocking = false;
+    m.ColorPrinting = true;
+    m.NoGotoDialog = true;
+    m.GotoLineNumber = true;
+    m.AutoRecover = false;
+    m.HotTrack = false;
+    m.LargeToolbarIcons = true;
+    m.ResultsFontSize = QStringLiteral("9");
+    m.MinMaxClose = true;
+    m.RecentList->SetListSize(6);
+    for (const char* item : {"file:///tmp/a b", "mvdb://*/*/BP/X", "= odd", "'q'", "Ünï", "last"})
+        m.RecentList->AddItem(QString::fromUtf8(item));
+}
+
+} // namespace
+
+class tst_Moriox : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void numericParse_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<qint64>("expected");
+        QTest::addColumn<bool>("parses");
+        QTest::newRow("decimal") << "3" << qint64(3) << true;
+        QTest::newRow("blanks and sign") << " -4 " << qint64(-4) << true;
+        QTest::newRow("plus") << "+7" << qint64(7) << true;
+        QTest::newRow("system colour") << "&H80000005&" << qint64(-2147483643) << true;
+        QTest::newRow("saved system colour") << "-2147483643" << qint64(-2147483643) << true;
+        QTest::newRow("no ampersand") << "&H10" << qint64(16) << true;
+        QTest::newRow("lower case") << "&hff&" << qint64(255) << true;
+        QTest::newRow("all bits") << "&HFFFFFFFF&" << qint64(-1) << true;
+        QTest::newRow("too many digits") << "&H123456789&" << qint64(0) << false;
+        QTest::newRow("bare prefix") << "&H&" << qint64(0) << false;
+        QTest::newRow("not hex") << "&HXYZ&" << qint64(0) << false;
+        QTest::newRow("word") << "abc" << qint64(0) << false;
+        QTest::newRow("empty") << "" << qint64(0) << false;
+        QTest::newRow("fraction") << "3.5" << qint64(0) << false;
+        QTest::newRow("trailing word") << "12abc" << qint64(0) << false;
+        QTest::newRow("wide") << "99999999999" << qint64(99999999999) << true;
+    }
+
+    void numericParse() {
+        QFETCH(QString, text);
+        QFETCH(qint64, expected);
+        QFETCH(bool, parses);
+        QCOMPARE(SettingText::ParseNumber(text), expected);
+        QCOMPARE(SettingText::ParseInteger(text).has_value(), parses);
+    }
+
+    void booleanParse_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("expected"); // -1: no value
+        QTest::newRow("True") << "True" << 1;
+        QTest::newRow("upper") << "TRUE" << 1;
+        QTest::newRow("lower false") << "false" << 0;
+        QTest::newRow("blanks") << " False " << 0;
+        QTest::newRow("number") << "1" << -1;
+        QTest::newRow("other word") << "Yes" << -1;
+        QTest::newRow("empty") << "" << -1;
+    }
+
+    void booleanParse() {
+        QFETCH(QString, text);
+        QFETCH(int, expected);
+        const auto value = SettingText::ParseBoolean(text);
+        QCOMPARE(value.has_value() ? int(*value) : -1, expected);
+    }
+
+    void loadRules_data() {
+        QTest::addColumn<QString>("lines"); // below the marker line "@=7"
+        QTest::addColumn<QString>("member");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("negative tab size") << "TabSize=-4"
+                                           << "TabSize"
+                                           << "0";
+        QTest::newRow("negative margin") << "Margin=-1"
+                                         << "Margin"
+                                         << "0";
+        QTest::newRow("indent absolute") << "IndentStar=-2"
+                                         << "IndentStar"
+                                         << "2";
+        QTest::newRow("indent above 2") << "IndentStar=3"
+                                        << "IndentStar"
+                                        << "0";
+        QTest::newRow("bang absolute") << "IndentBang=-1"
+                                       << "IndentBang"
+                                       << "1";
+        QTest::newRow("saved system colour") << "BackColor=-2147483643"
+                                             << "BackColor"
+                                             << "-2147483643";
+        QTest::newRow("hex colour") << "BackColor=&H000000FF&"
+                                    << "BackColor"
+                                    << "255";
+        QTest::newRow("unparsable colour") << "BackColor=red"
+                                           << "BackColor"
+                                           << "0";
+        QTest::newRow("too big for its member") << "TabSize=70000"
+                                                << "TabSize"
+                                                << "3";
+        QTest::newRow("other word keeps the boolean") << "FontMono=Maybe"
+                                                      << "FontMono"
+                                                      << "True";
+        QTest::newRow("boolean any case") << "FontMono=FALSE"
+                                          << "FontMono"
+                                          << "False";
+        QTest::newRow("later keys still load") << "FontMono=Maybe\nHighlight=False"
+                                               << "Highlight"
+                                               << "False";
+        QTest::newRow("old font name") << "FontName=mv lucida console"
+                                       << "FontName"
+                                       << "MVW Lucida Console";
+        QTest::newRow("other font name") << "FontName=Consolas"
+                                         << "FontName"
+                                         << "Consolas";
+        QTest::newRow("font size stays text") << "FontSize=abc"
+                                              << "FontSize"
+                                              << "abc";
+        QTest::newRow("key differs from member") << "ToolbarHotTrack=False"
+                                                 << "HotTrack"
+                                                 << "False";
+        QTest::newRow("results font from the older key") << "ResultFontName=Courier"
+                                                         << "ResultsFontName"
+                                                         << "Courier";
+        QTest::newRow("results font not from its own key") << "ResultsFontName=Arial"
+                                                           << "ResultsFontName"
+                                                           << "";
+        QTest::newRow("language list") << "LanguageKeywords=CASE END"
+                                       << "LanguageKeywords"
+                                       << "CASE END";
+        QTest::newRow("recent, empty entry skipped")
+            << "RecentFileCount=5\nRecentFile_1=a\nRecentFile_3=c\nRecentFile_4=d\nRecentFile_5=e"
+            << "Recent"
+            << "a|c|d|e";
+        QTest::newRow("recent, case duplicates")
+            << "RecentFileCount=3\nRecentFile_1=ABC\nRecentFile_2=x\nRecentFile_3=abc"
+            << "Recent"
+            << "ABC|x";
+        QTest::newRow("recent, smaller list")
+            << "RecentListSize=2\nRecentFileCount=3\nRecentFile_1=a\nRecentFile_2=b\n"
+               "RecentFile_3=c"
+            << "Recent"
+            << "a|b";
+        QTest::newRow("recent, size 0") << "RecentListSize=0\nRecentFileCount=1\nRecentFile_1=a"
+                                        << "Recent"
+                                        << "";
+        QTest::newRow("recent, count too big") << "RecentFileCount=40000\nRecentFile_1=a"
+                                               << "Recent"
+                                               << "";
+    }
+
+    void loadRules() {
+        QFETCH(QString, lines);
+        QFETCH(QString, member);
+        QFETCH(QString, expected);
+        SettingsSandbox sandbox(2);
+        writeStateFile(sandbox,
+                       (QStringLiteral("[MultiValueEditor_Settings_]\n@=7\n") + lines).toUtf8());
+        Moriox settings;
+        settings.LoadSettings();
+        QCOMPARE(::member(settings, member), expected);
+    }
+
+    void emptyFontNameTakesTheDefault() {
+        SettingsSandbox sandbox(2);
+        writeStateFile(sandbox, "[MultiValueEditor_Settings_]\n@=7\n");
+        Moriox settings;
+        settings.LoadSettings();
+        QCOMPARE(settings.FontName, Moriox::DefaultFontName());
+    }
+
+    void roundTrip_data() {
+        QTest::addColumn<int>("mode");
+        QTest::newRow("per-user store") << 1;
+        QTest::newRow("state file") << 2;
+    }
+
+    void roundTrip() {
+        QFETCH(int, mode);
+        SettingsSandbox sandbox(mode);
+        Moriox saved;
+        fillOddly(saved);
+        saved.SaveSettings();
+        Moriox loaded;
+        loaded.LoadSettings();
+        QVERIFY(!(loaded == Moriox()));
+        QVERIFY(loaded == saved);
+        // Nothing changes with a second round.
+        loaded.SaveSettings();
+        Moriox again;
+        again.LoadSettings();
+        QVERIFY(again == saved);
+    }
+
+    void resultsFontNameDoesNotComeBack() {
+        SettingsSandbox sandbox(2);
+        Moriox saved;
+        saved.ResultsFontName = QStringLiteral("Arial");
+        saved.ResultsFontSize = QStringLiteral("12");
+        saved.SaveSettings();
+        QCOMPARE(stored(sandbox, QStringLiteral("ResultsFontName")), QStringLiteral("Arial"));
+        Moriox loaded;
+        loaded.LoadSettings();
+        QCOMPARE(loaded.ResultsFontName, QString());
+        QCOMPARE(loaded.ResultsFontSize, QStringLiteral("12"));
+    }
+
+    void nowhereModeMigratesEveryStart() {
+        SettingsSandbox sandbox(0);
+        SettingsSandbox::WriteLegacy(QStringLiteral("FontSize"), QStringLiteral("12"));
+        for (int start = 0; start < 2; ++start) {
+            Moriox settings;
+            settings.FontSize = QStringLiteral("20");
+            settings.LoadSettings();
+            QCOMPARE(settings.FontSize, QStringLiteral("12"));
+            settings.TabSize = 9;
+            settings.SaveSettings();
+        }
+        Moriox settings;
+        settings.LoadSettings();
+        QCOMPARE(settings.TabSize, int16_t(3));
+        QVERIFY(QDir(sandbox.DataFolder()).isEmpty());
+        QVERIFY(!QFileInfo::exists(SettingsSandbox::UserStoreFile()));
+    }
+
+    void olderMarkerMigrates() {
+        SettingsSandbox sandbox(2);
+        writeStateFile(sandbox, "[MultiValueEditor_Settings_]\n@=6\nTabSize=5\nFontSize=14\n");
+        SettingsSandbox::WriteLegacy(QStringLiteral("FontSize"), QStringLiteral("12"));
+        Moriox settings;
+        settings.LoadSettings();
+        QCOMPARE(settings.TabSize, int16_t(3));
+        QCOMPARE(settings.FontSize, QStringLiteral("12"));
+        QCOMPARE(stored(sandbox, QStringLiteral("@")), QStringLiteral("7"));
+        QCOMPARE(stored(sandbox, QStringLiteral("TabSize")), QStringLiteral("3"));
+        QCOMPARE(stored(sandbox, QStringLiteral("FontSize")), QStringLiteral("12"));
+    }
+
+    void legacyValuesComeOver() {
+        SettingsSandbox sandbox(2);
+        const std::pair<const char*, const char*> legacy[] = {
+            {"MainState", "2"},
+            {"MainLeft", "300"},
+            {"MainTop", "-20000"},
+            {"MainWidth", "wide"},
+            {"MainHeight", "-9999"},
+            {"StatusbarVisible", "False"},
+            {"ToolbarVisible", "True"},
+            {"ChildState", "1"},
+            {"FontName", "MV Lucida Console"},
+            {"TabSize", "-2"},
+            {"ToolbarLargeIcons", "True"},
+            {"MinMaxClose", "True"},
+            {"ResultFontName", "Arial"},
+            {"CaseSensitiveKeywords", "True"},
+            {"UserKeywords", "FOO BAR"},
+            {"RecentFileCount", "2"},
+            {"RecentFile_1", "b"},
+            {"RecentFile_2", "a"},
+        };
+        for (const auto& [key, value] : legacy)
+            SettingsSandbox::WriteLegacy(QLatin1String(key), QLatin1String(value));
+        Moriox settings;
+        settings.LoadSettings();
+
+        QCOMPARE(settings.FontName, QStringLiteral("MVW Lucida Console"));
+        QCOMPARE(settings.TabSize, int16_t(0));
+        QVERIFY(!settings.LargeToolbarIcons);
+        QVERIFY(!settings.MinMaxClose);
+        QVERIFY(!settings.ColorPrinting);
+        QCOMPARE(settings.ResultsFontName, QStringLiteral("Arial"));
+        QVERIFY(settings.CaseSensitiveKeywords);
+        QCOMPARE(settings.UserKeywordsText, QStringLiteral("FOO BAR"));
+        QCOMPARE(recentItems(settings), QStringList({"b", "a"}));
+
+        const QStringList expected = {"MainState=2", "MainLeft=300", "MainHeight=-9999",
+                                      "StatusbarVisible=False", "ChildState=1"};
+        for (const QString& line : expected) {
+            const QString key = line.section(QLatin1Char('='), 0, 0);
+            QCOMPARE(stored(sandbox, key), line.section(QLatin1Char('='), 1));
+        }
+        for (const char* key : {"MainTop", "MainWidth", "ToolbarVisible"})
+            QVERIFY2(stored(sandbox, QLatin1String(key)).isNull(), key);
+        QCOMPARE(stored(sandbox, QStringLiteral("ResultsFontName")), QStringLiteral("Arial"));
+        QCOMPARE(stored(sandbox, QStringLiteral("@")), QStringLiteral("7"));
+    }
+
+    // A fresh machine: the migration finds nothing and writes every default once.
+    void freshMachineWritesDefaults() {
+        SettingsSandbox sandbox(-1);
+        Moriox settings;
+        settings.LoadSettings();
+        Moriox fresh;
+        fresh.FontName = Moriox::DefaultFontName();
+        QVERIFY(settings == fresh);
+        QSettings store(SettingsSandbox::UserStoreFile(), QSettings::IniFormat);
+        store.beginGroup(QStringLiteral("Settings"));
+        const std::pair<const char*, const char*> defaults[] = {
+            {"Default", "7"},
+            {"FontSize", "10"},
+            {"FontMono", "True"},
+            {"BackColor", "-2147483643"},
+            {"NormalColor", "-2147483640"},
+            {"StringColor", "8388736"},
+            {"LabelColor", "8388608"},
+            {"CommentColor", "32768"},
+            {"TabSize", "3"},
+            {"Margin", "6"},
+            {"IndentStar", "1"},
+            {"CompileCommand", "BASIC"},
+            {"CompileOptions", ""},
+            {"ColorPrinting", "False"},
+            {"ToolbarHotTrack", "True"},
+            {"ToolbarLargeIcons", "False"},
+            {"MinMaxClose", "False"},
+            {"ResultsFontName", ""},
+            {"CaseSensitiveKeywords", "False"},
+            {"RecentListSize", "4"},
+            {"RecentFileCount", "0"},
+        };
+        for (const auto& [key, value] : defaults)
+            QCOMPARE(store.value(QLatin1String(key), QStringLiteral("<missing>")).toString(),
+                     QLatin1String(value));
+        QCOMPARE(store.childKeys().size(), 40);
+        QVERIFY(!store.contains(QStringLiteral("MainLeft")));
+    }
+
+    void cloneAndUpdateFrom() {
+        Moriox source;
+        fillOddly(source);
+        const std::unique_ptr<Moriox> copy = source.Clone();
+        QVERIFY(*copy == source);
+        QVERIFY(copy->RecentList != source.RecentList);
+        copy->RecentList->AddItem(QStringLiteral("new"));
+        copy->TabSize = 1;
+        QCOMPARE(source.RecentList->ListItem(1), QStringLiteral("last"));
+        QCOMPARE(source.TabSize, int16_t(8));
+
+        Moriox target;
+        const clsRecentList* list = target.RecentList.get();
+        target.RecentList->AddItem(QStringLiteral("gone"));
+        target.UpdateFrom(*copy);
+        QVERIFY(target == *copy);
+        QCOMPARE(target.RecentList.get(), list);
+        QCOMPARE(recentItems(target).first(), QStringLiteral("new"));
+    }
+
+    void defaultFont_data() {
+        QTest::addColumn<QStringList>("families");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("none") << QStringList() << "Courier New";
+        QTest::newRow("other fonts")
+            << QStringList({"DejaVu Sans", "MV Lucida Console"}) << "Courier New";
+        QTest::newRow("first match, whole name")
+            << QStringList({"Arial", "mvw lucida console Unicode", "MVW Lucida Console"})
+            << "mvw lucida console Unicode";
+        QTest::newRow("shorter name") << QStringList({"MVW Lucida Consol"}) << "Courier New";
+    }
+
+    void defaultFont() {
+        QFETCH(QStringList, families);
+        QFETCH(QString, expected);
+        QCOMPARE(Moriox::DefaultFontName(families), expected);
+    }
+
+    // A damaged state file loads what it can, keeps the rest at the defaults, and still holds
+    // every byte it had after the settings are saved into it.
+    void damagedStateFile_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<int>("tabSize");
+        QTest::addColumn<int>("margin");
+        QTest::addColumn<bool>("fontMono");
+
+        QTest::newRow("binary lines")
+            << Bytes("\x00\xFF\xFE\x01\n[MultiValueEditor_Settings_]\n\x80\x81\x82\n@=7\n"
+                     "TabSize=5\nFontMono=\xC3\x28\nMargin=9\n\x00\x00")
+            << 5 << 9 << true;
+        QByteArray truncated("\xFF\xFE");
+        for (const QChar c :
+             QStringLiteral("[MultiValueEditor_Settings_]\r\n@=7\r\nTabSize=4\r\nMargin=1"))
+            truncated.append(static_cast<char>(c.unicode())).append('\0');
+        truncated.append('M');
+        QTest::newRow("truncated utf-16") << truncated << 4 << 1 << true;
+        QTest::newRow("latin-1")
+            << QByteArray("[MultiValueEditor_Settings_]\n@=7\nCompileOptions=caf\xE9\nTabSize=2\n")
+            << 2 << 6 << true;
+        QTest::newRow("no marker: defaults")
+            << Bytes(
+                   "\x7F\x45LF\x02\x01\x01\x00\x00\x00\n[MultiValueEditor_Settings_]\nTabSize=5\n")
+            << 3 << 6 << true;
+        QTest::newRow("cut mid-line")
+            << QByteArray("[MultiValueEditor_Settings_]\n@=7\nTabSize=1") << 1 << 6 << true;
+    }
+
+    void damagedStateFile() {
+        QFETCH(QByteArray, file);
+        QFETCH(int, tabSize);
+        QFETCH(int, margin);
+        QFETCH(bool, fontMono);
+        SettingsSandbox sandbox(2);
+        writeStateFile(sandbox, file);
+        Moriox settings;
+        settings.LoadSettings();
+        QCOMPARE(settings.TabSize, tabSize);
+        QCOMPARE(settings.Margin, margin);
+        QCOMPARE(settings.FontMono, fontMono);
+        QCOMPARE(settings.CompileCommand, QStringLiteral("BASIC"));
+
+        settings.SaveSettings();
+        // Key lines may have been written over; every other byte is still there, in order.
+        const QByteArray after = sandbox.StateFileBytes();
+        qsizetype at = 0;
+        for (const QByteArray& line : file.split('\n')) {
+            if (line.contains('='))
+                continue;
+            at = after.indexOf(line, at);
+            QVERIFY2(at >= 0, line.toHex().constData());
+        }
+        Moriox reloaded;
+        reloaded.LoadSettings();
+        QVERIFY(reloaded == settings);
+    }
+
+    void unreadableStateFile() {
+        SettingsSandbox sandbox(2);
+        QVERIFY(QDir().mkpath(sandbox.StateFile()));
+        Moriox settings;
+        settings.TabSize = 7;
+        settings.LoadSettings();
+        settings.SaveSettings();
+        QCOMPARE(settings.TabSize, int16_t(3));
+        QVERIFY(QFileInfo(sandbox.StateFile()).isDir());
+    }
+};
+
+BRIX_TEST_MAIN(tst_Moriox)
+#include "tst_Moriox.moc"

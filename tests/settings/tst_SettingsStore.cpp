@@ -1,0 +1,366 @@
+#include "SettingsSandbox.h"
+#include "TestEnv.h"
+
+#include "settings/IniProfile.h"
+#include "settings/SettingsStore.h"
+#include "support/BrixError.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QStringEncoder>
+
+namespace {
+
+const QString Section = QStringLiteral("Software\\Tolvek\\MultiValue Editor\\Settings\\");
+
+QString read(const QString& key, const QString& defaultValue = QStringLiteral("<default>")) {
+    return SettingsStore::ReadSetting(Section, key, defaultValue);
+}
+
+void write(const QString& key, const QString& value) {
+    SettingsStore::WriteSetting(Section, key, value);
+}
+
+QByteArray readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+} // namespace
+
+class tst_SettingsStore : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void selectionFilePicksTheMode_data() {
+        QTest::addColumn<QByteArray>("selection"); // "<none>": no file at all
+        QTest::addColumn<int>("mode");
+        QTest::newRow("no file") << QByteArray("<none>") << 1;
+        QTest::newRow("no key") << QByteArray("[Isolation]\nAppDataDirectory=.\n") << 1;
+        QTest::newRow("empty value") << QByteArray("[Isolation]\nPersistSettings=\n") << 1;
+        QTest::newRow("state file") << QByteArray("[Isolation]\nPersistSettings=2\n") << 2;
+        QTest::newRow("any case") << QByteArray("[ISOLATION]\npersistsettings=2\n") << 2;
+        QTest::newRow("hexadecimal") << QByteArray("[Isolation]\nPersistSettings=&H2&\n") << 2;
+        QTest::newRow("nowhere") << QByteArray("[Isolation]\nPersistSettings=0\n") << 0;
+        QTest::newRow("not a number") << QByteArray("[Isolation]\nPersistSettings=two\n") << 0;
+        QTest::newRow("utf-16") << QByteArray("\xFF\xFE") +
+                                       QByteArray(QStringEncoder(QStringEncoder::Utf16LE)(
+                                           u"[Isolation]\r\nPersistSettings=2"))
+                                << 2;
+        QTest::newRow("binary") << Bytes("\x00\xFF\x01[Isolation\n\x80") << 1;
+    }
+
+    void selectionFilePicksTheMode() {
+        QFETCH(QByteArray, selection);
+        QFETCH(int, mode);
+        SettingsSandbox sandbox(-1);
+        if (selection != "<none>")
+            writeFile(sandbox.ExecutableFolder() + QStringLiteral("/norvane70.ini"), selection);
+        QCOMPARE(SettingsStore::PersistSettings(), mode);
+    }
+
+    void userStoreMode() {
+        SettingsSandbox sandbox(-1);
+        write(QString(), QStringLiteral("7"));
+        write(QStringLiteral("FontSize"), QStringLiteral("12"));
+        QCOMPARE(SettingsSandbox::ReadUserStore(QStringLiteral("Default")), QStringLiteral("7"));
+        QCOMPARE(SettingsSandbox::ReadUserStore(QStringLiteral("FontSize")), QStringLiteral("12"));
+        QCOMPARE(read(QString()), QStringLiteral("7"));
+        QVERIFY(!QFileInfo::exists(SettingsStore::StateFile()));
+
+        // An empty value stays stored, and reads as the default.
+        write(QStringLiteral("FontSize"), QString());
+        QVERIFY(QSettings(SettingsSandbox::UserStoreFile(), QSettings::IniFormat)
+                    .contains(QStringLiteral("Settings/FontSize")));
+        QCOMPARE(read(QStringLiteral("FontSize")), QStringLiteral("<default>"));
+
+        // A non-empty default keeps values equal to it out of the store.
+        SettingsStore::WriteSetting(Section, QStringLiteral("A"), QStringLiteral("x"),
+                                    QStringLiteral("x"));
+        QCOMPARE(SettingsSandbox::ReadUserStore(QStringLiteral("A")), QString());
+        SettingsStore::WriteSetting(Section, QStringLiteral("A"), QStringLiteral("y"),
+                                    QStringLiteral("x"));
+        QCOMPARE(read(QStringLiteral("A")), QStringLiteral("y"));
+
+        // Values too long for the reader read as missing.
+        write(QStringLiteral("Long"), QString(4096, QLatin1Char('x')));
+        QCOMPARE(read(QStringLiteral("Long")), QStringLiteral("<default>"));
+        write(QStringLiteral("Long"), QString(4095, QLatin1Char('x')));
+        QCOMPARE(read(QStringLiteral("Long")).size(), 4095);
+    }
+
+    void stateFileMode() {
+        qputenv("BRIX_TEST_DATA", QDir::toNativeSeparators(TestEnv::Home()).toUtf8());
+        const QString folder = TestEnv::Home() + QStringLiteral("/first/second");
+        QDir(folder).removeRecursively();
+        SettingsSandbox sandbox(2, QStringLiteral("%BRIX_TEST_DATA%\\first\\second"));
+        QCOMPARE(SettingsStore::AppDataDirectory(), folder + QLatin1Char('/'));
+        QVERIFY(QFileInfo(folder).isDir());
+        QVERIFY(!QFileInfo::exists(folder + QStringLiteral("/appstate.ini")));
+        QCOMPARE(read(QString()), QStringLiteral("<default>"));
+
+        write(QString(), QStringLiteral("7"));
+        const QByteArray bytes = readFile(folder + QStringLiteral("/appstate.ini"));
+        QVERIFY(bytes.startsWith("\xFF\xFE"));
+        QCOMPARE(IniProfile::FromBytes(bytes).Value(QStringLiteral("MultiValueEditor_Settings_"),
+                                                    QStringLiteral("@")),
+                 QStringLiteral("7"));
+        QCOMPARE(read(QString()), QStringLiteral("7"));
+        QVERIFY(!QFileInfo::exists(SettingsSandbox::UserStoreFile()));
+    }
+
+    void stateFileValues_data() {
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("line"); // as it stands in the file; empty: no line
+        QTest::addColumn<QString>("readBack");
+        QTest::newRow("plain") << "BASIC"
+                               << "K=BASIC"
+                               << "BASIC";
+        QTest::newRow("blanks at the ends") << "  padded "
+                                            << "K=\"  padded \""
+                                            << "  padded ";
+        QTest::newRow("quoted") << "\"q\""
+                                << "K=\"\"q\"\""
+                                << "\"q\"";
+        QTest::newRow("apostrophe first") << "'x"
+                                          << "K=\"'x\""
+                                          << "'x";
+        QTest::newRow("apostrophe inside") << "it's"
+                                           << "K=it's"
+                                           << "it's";
+        QTest::newRow("empty deletes") << ""
+                                       << ""
+                                       << "<default>";
+        QTest::newRow("single blank") << " "
+                                      << "K=\" \""
+                                      << " ";
+    }
+
+    void stateFileValues() {
+        QFETCH(QString, value);
+        QFETCH(QString, line);
+        QFETCH(QString, readBack);
+        SettingsSandbox sandbox(2);
+        write(QStringLiteral("K"), QStringLiteral("old"));
+        write(QStringLiteral("K"), value);
+        const QStringList lines = sandbox.StateFileText().split(QLatin1Char('\n'));
+        if (line.isEmpty())
+            QVERIFY(!sandbox.StateFileText().contains(QLatin1String("K=")));
+        else
+            QVERIFY2(lines.contains(line), qPrintable(sandbox.StateFileText()));
+        QCOMPARE(read(QStringLiteral("K")), readBack);
+    }
+
+    // Held writes are seen by reads and reach the file when the outermost batch ends.
+    void batchWritesOnce_data() {
+        QTest::addColumn<int>("mode");
+        QTest::newRow("per-user store") << 1;
+        QTest::newRow("state file") << 2;
+    }
+
+    void batchWritesOnce() {
+        QFETCH(int, mode);
+        SettingsSandbox sandbox(mode);
+        const QString file = mode == 1 ? SettingsSandbox::UserStoreFile() : sandbox.StateFile();
+        write(QStringLiteral("A"), QStringLiteral("1"));
+        const QByteArray before = readFile(file);
+        {
+            const SettingsStore::Batch outer;
+            {
+                const SettingsStore::Batch inner;
+                write(QStringLiteral("A"), QStringLiteral("2"));
+                write(QStringLiteral("B"), QStringLiteral(" b "));
+            }
+            write(QStringLiteral("A"), QString());
+            QCOMPARE(read(QStringLiteral("B")), QStringLiteral(" b "));
+            QCOMPARE(read(QStringLiteral("A")), QStringLiteral("<default>"));
+            QCOMPARE(readFile(file), before);
+        }
+        QCOMPARE(read(QStringLiteral("B")), QStringLiteral(" b "));
+        QCOMPARE(read(QStringLiteral("A")), QStringLiteral("<default>"));
+        QVERIFY(readFile(file) != before);
+        if (mode == 2)
+            QVERIFY(sandbox.StateFileText().contains(QLatin1String("B=\" b \"")));
+    }
+
+    void nowhereMode() {
+        SettingsSandbox sandbox(0);
+        write(QString(), QStringLiteral("7"));
+        write(QStringLiteral("FontSize"), QStringLiteral("12"));
+        QCOMPARE(read(QString()), QStringLiteral("<default>"));
+        QVERIFY(!QFileInfo::exists(SettingsStore::StateFile()));
+        QVERIFY(!QFileInfo::exists(SettingsSandbox::UserStoreFile()));
+    }
+
+    void unreadableStateFile() {
+        SettingsSandbox sandbox(2);
+        QVERIFY(QDir().mkpath(sandbox.StateFile()));
+        write(QStringLiteral("K"), QStringLiteral("v"));
+        QCOMPARE(read(QStringLiteral("K")), QStringLiteral("<default>"));
+        QVERIFY(QFileInfo(sandbox.StateFile()).isDir());
+    }
+
+    // The per-user store rewrites the whole file; a damaged one is copied aside first.
+    void damagedUserStoreIsKept() {
+        SettingsSandbox sandbox(-1);
+        const QString file = SettingsSandbox::UserStoreFile();
+        QDir().mkpath(QFileInfo(file).path());
+        const QByteArray damaged =
+            Bytes("[Settings]\nTabSize=5\n\x00\xFF\xFE junk\nno equals here\n");
+        writeFile(file, damaged);
+        QCOMPARE(read(QStringLiteral("TabSize")), QStringLiteral("5"));
+        write(QStringLiteral("Margin"), QStringLiteral("2"));
+        QCOMPARE(readFile(file + QStringLiteral(".damaged")), damaged);
+        QCOMPARE(read(QStringLiteral("Margin")), QStringLiteral("2"));
+        // Once per run: the rewritten file is not copied again.
+        write(QStringLiteral("Margin"), QStringLiteral("3"));
+        QVERIFY(!QFileInfo::exists(file + QStringLiteral(".damaged-2")));
+    }
+
+    void iniAddress_data() {
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("settings") << Section << "MultiValueEditor_Settings_";
+        QTest::newRow("no trailing") << "Software\\Tolvek\\Brix\\Keys"
+                                     << "Brix_Keys";
+        QTest::newRow("blanks go") << "Software\\Tolvek\\A B\\C D"
+                                   << "AB_CD";
+        QTest::newRow("too short stays") << "Software\\Tolvek"
+                                         << "Software\\Tolvek";
+        QTest::newRow("single word stays") << "Isolation"
+                                           << "Isolation";
+    }
+
+    void iniAddress() {
+        QFETCH(QString, section);
+        QFETCH(QString, expected);
+        QCOMPARE(SettingsStore::IniSection(section), expected);
+        QCOMPARE(SettingsStore::IniKey(QString()), QStringLiteral("@"));
+    }
+
+    void normalisePath_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("current folder") << "./data"
+                                        << "/opt/brix/bin/data";
+        QTest::newRow("parent") << "../data"
+                                << "/opt/brix/data";
+        QTest::newRow("parent alone") << ".."
+                                      << "/opt/brix";
+        QTest::newRow("backslashes") << "..\\data\\x"
+                                     << "/opt/brix/data/x";
+        QTest::newRow("stops at the root") << "../../../../../../x"
+                                           << "/x";
+        QTest::newRow("double slashes") << "//server/share"
+                                        << "/server/share";
+        QTest::newRow("inner parent") << "/a/b/../c"
+                                      << "/a/c";
+        QTest::newRow("inner dot kept") << "/a/./b"
+                                        << "/a/./b";
+        QTest::newRow("trailing slash kept") << "/a/b/"
+                                             << "/a/b/";
+        QTest::newRow("root parent") << "/.."
+                                     << "/";
+        QTest::newRow("first piece stays") << "x/../../y"
+                                           << "x/y";
+        QTest::newRow("drive stays") << "C:\\x\\..\\..\\y"
+                                     << "C:/y";
+        QTest::newRow("dot alone") << "."
+                                   << ".";
+        QTest::newRow("empty") << ""
+                               << "";
+    }
+
+    void normalisePath() {
+        QFETCH(QString, path);
+        QFETCH(QString, expected);
+        QCOMPARE(SettingsStore::NormalisePath(path, QStringLiteral("/opt/brix/bin")), expected);
+    }
+
+    void ensureFolder() {
+        SettingsSandbox sandbox(-1);
+        const QString base = sandbox.ExecutableFolder();
+        QCOMPARE(SettingsStore::EnsureFolder(QString()), base + QLatin1Char('/'));
+        QCOMPARE(SettingsStore::EnsureFolder(QStringLiteral("./a/b/c")),
+                 base + QStringLiteral("/a/b/c/"));
+        QVERIFY(QFileInfo(base + QStringLiteral("/a/b/c")).isDir());
+        QCOMPARE(SettingsStore::EnsureFolder(base + QStringLiteral("/a/b/c/")),
+                 base + QStringLiteral("/a/b/c/"));
+        // A level that is a file can't be made: the executable's folder instead.
+        writeFile(base + QStringLiteral("/file"), "x");
+        QCOMPARE(SettingsStore::EnsureFolder(QStringLiteral("./file/sub")),
+                 base + QLatin1Char('/'));
+        qputenv("BRIX_TEST_SUB", "made");
+        QCOMPARE(SettingsStore::EnsureFolder(QStringLiteral("./%BRIX_TEST_SUB%")),
+                 base + QStringLiteral("/made/"));
+    }
+
+    void expandEnvironment_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("name") << "%BRIX_TEST_A%/x"
+                              << "alpha/x";
+        QTest::newRow("twice") << "%BRIX_TEST_A%%BRIX_TEST_A%"
+                               << "alphaalpha";
+        QTest::newRow("unset") << "a%BRIX_TEST_UNSET%b"
+                               << "ab";
+        QTest::newRow("lone percent") << "50% off"
+                                      << "50% off";
+        QTest::newRow("lone after pair") << "%BRIX_TEST_A% 5%"
+                                         << "alpha 5%";
+        QTest::newRow("nothing") << "plain"
+                                 << "plain";
+    }
+
+    void expandEnvironment() {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        qputenv("BRIX_TEST_A", "alpha");
+        qunsetenv("BRIX_TEST_UNSET");
+        QCOMPARE(SettingsStore::ExpandEnvironment(text), expected);
+    }
+
+    void writeTextFile_data() {
+        QTest::addColumn<int>("encoding");
+        QTest::addColumn<QByteArray>("expected");
+        QTest::newRow("utf-8 with mark") << 2 << QByteArray("\xEF\xBB\xBF\xC3\xA4h");
+        QTest::newRow("utf-16 with mark") << 3 << Bytes("\xFF\xFE\xE4\x00h\x00");
+        QTest::newRow("16-bit units") << -1 << Bytes("\xE4\x00h\x00");
+    }
+
+    void writeTextFile() {
+        QFETCH(int, encoding);
+        QFETCH(QByteArray, expected);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("t.txt"));
+        writeFile(path, "an older and longer text");
+        QVERIFY(SettingsStore::WriteTextFile(path, QStringLiteral("äh"), encoding, false));
+        QCOMPARE(readFile(path), expected);
+        QVERIFY(SettingsStore::FileExists(path));
+        QVERIFY(!SettingsStore::DirectoryExists(path));
+    }
+
+    void writeTextFileFailures() {
+        QTemporaryDir dir;
+        QVERIFY_THROWS_EXCEPTION(
+            BrixError, SettingsStore::WriteTextFile(dir.filePath(QStringLiteral("e")), QString(),
+                                                    SettingsStore::Utf8Bom, false));
+        const QString bad = dir.filePath(QStringLiteral("missing/t.txt"));
+        QVERIFY(!SettingsStore::WriteTextFile(bad, QStringLiteral("x"), 3, false));
+        QVERIFY_THROWS_EXCEPTION(BrixError,
+                                 SettingsStore::WriteTextFile(bad, QStringLiteral("x"), 3, true));
+        QVERIFY(!SettingsStore::FileExists(dir.path()));
+        QVERIFY(SettingsStore::DirectoryExists(dir.path()));
+        QVERIFY(!SettingsStore::FileExists(QString()));
+    }
+};
+
+BRIX_TEST_MAIN(tst_SettingsStore)
+#include "tst_SettingsStore.moc"
