@@ -2,6 +2,7 @@
 
 #include "documents/ConnectionErrors.h"
 #include "documents/HostTransport.h"
+#include "documents/mvPath.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -37,24 +38,13 @@ QString programOf(qint64 pid) {
     return {};
 }
 
+// The path form of a name, which holds no "/", with a leading "." encoded as well, so that
+// an entry is never hidden or "..".
 QString escapeName(const QString& part) {
-    static const char hex[] = "0123456789ABCDEF";
-    QString out;
-    const QByteArray utf8 = part.toUtf8();
-    for (qsizetype i = 0; i < utf8.size(); ++i) {
-        const char c = utf8[i];
-        const bool safe = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-                          (c >= '0' && c <= '9') || c == '_' || c == '-' || (c == '.' && i > 0);
-        if (safe) {
-            out += QLatin1Char(c);
-        } else {
-            const auto b = static_cast<unsigned char>(c);
-            out += QLatin1Char('%');
-            out += QLatin1Char(hex[b >> 4]);
-            out += QLatin1Char(hex[b & 15]);
-        }
-    }
-    return out;
+    QString name = mvPath::Encode(part);
+    if (name.startsWith(QLatin1Char('.')))
+        name.replace(0, 1, QStringLiteral("%2E"));
+    return name;
 }
 
 } // namespace
@@ -140,7 +130,7 @@ QString ItemLock::registryKey() const {
 }
 
 QString ItemLock::EntryName(const QString& fileName, const QString& itemId) {
-    QString name = escapeName(fileName) + QLatin1Char('~') + escapeName(itemId);
+    QString name = escapeName(fileName) + QLatin1Char('#') + escapeName(itemId);
     if (name.size() > 200) {
         const QByteArray key = (fileName + QLatin1Char('/') + itemId).toUtf8();
         name = QString::fromLatin1(QCryptographicHash::hash(key, QCryptographicHash::Sha1).toHex());

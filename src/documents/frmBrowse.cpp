@@ -175,34 +175,30 @@ void frmBrowse::showError() {
     lblError_->setText(model_.LastError);
 }
 
-void frmBrowse::fillServers() {
+void frmBrowse::refill(QComboBox* box, const QStringList& names, const QString& current) {
+    // Filling a box changes its text; that is no choice of the user.
     filling_ = true;
-    cboHost_->clear();
-    cboHost_->addItems(model_.Servers());
-    cboHost_->setCurrentText(model_.Server());
+    box->clear();
+    box->addItems(names);
+    box->setCurrentText(current);
     filling_ = false;
+    showError();
+}
+
+void frmBrowse::fillServers() {
+    refill(cboHost_, model_.Servers(), model_.Server());
     fillAccounts();
 }
 
 void frmBrowse::fillAccounts() {
-    filling_ = true;
     const QString account = model_.Account();
-    cboAccount_->clear();
-    cboAccount_->addItems(model_.Accounts());
-    cboAccount_->setCurrentText(account);
-    filling_ = false;
-    showError();
+    refill(cboAccount_, model_.Accounts(), account);
     fillFiles();
 }
 
 void frmBrowse::fillFiles() {
-    filling_ = true;
     const QString file = model_.File();
-    cboFile_->clear();
-    cboFile_->addItems(model_.Files());
-    cboFile_->setCurrentText(file);
-    filling_ = false;
-    showError();
+    refill(cboFile_, model_.Files(), file);
     fillItems();
 }
 

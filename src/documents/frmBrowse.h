@@ -38,6 +38,7 @@ public Q_SLOTS:
 
 private:
     void showMode();
+    void refill(QComboBox* box, const QStringList& names, const QString& current);
     void fillServers();
     void fillAccounts();
     void fillFiles();

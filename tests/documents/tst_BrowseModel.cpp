@@ -1,3 +1,4 @@
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 
 #include "documents/BrowseModel.h"
@@ -17,21 +18,15 @@ class tst_BrowseModel : public QObject {
     QTemporaryDir tmp;
     QString accounts, local;
 
-    static void writeFile(const QString& path, const QByteArray& bytes) {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
     static std::shared_ptr<mvResource> resource(const QString& path) {
         return mvConnection::Instance().GetResource(path, true, false);
     }
     void lockByOther(const QString& item) {
         ItemLock::Holder other = ItemLock::Holder::Self();
         other.Machine = QStringLiteral("far-away");
-        writeFile(accounts + QStringLiteral("/ACC/.brix-locks/") +
-                      ItemLock::EntryName(QStringLiteral("BP"), item),
-                  other.ToBytes());
+        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/.brix-locks/") +
+                                       ItemLock::EntryName(QStringLiteral("BP"), item),
+                                   other.ToBytes());
     }
 
 private Q_SLOTS:
@@ -40,14 +35,15 @@ private Q_SLOTS:
         local = tmp.path() + QStringLiteral("/local");
         for (const char* name :
              {"ACC/BP/MAIN", "ACC/BP/SUB", "ACC/BP/LOCKED", "ACC/LIB/X", "OTHER/BP/Y", "ACC/BP/RO"})
-            writeFile(accounts + QLatin1Char('/') + QLatin1String(name), "x\n");
+            FileTestSupport::WriteFile(accounts + QLatin1Char('/') + QLatin1String(name), "x\n");
         ::chmod(QFile::encodeName(accounts + QStringLiteral("/ACC/BP/RO")).constData(), 0444);
-        writeFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
-        writeFile(local + QStringLiteral("/keys.txt"), "k");
-        writeFile(local + QStringLiteral("/notes.md"), "n");
-        writeFile(local + QStringLiteral("/sub/inner.txt"), "i");
-        writeFile(ConnectionProfiles::DefaultFile(),
-                  "[prod]\nAccountsFolder=" + accounts.toUtf8() + "\nDefaultAccount=ACC\n");
+        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
+        FileTestSupport::WriteFile(local + QStringLiteral("/keys.txt"), "k");
+        FileTestSupport::WriteFile(local + QStringLiteral("/notes.md"), "n");
+        FileTestSupport::WriteFile(local + QStringLiteral("/sub/inner.txt"), "i");
+        FileTestSupport::WriteFile(ConnectionProfiles::DefaultFile(),
+                                   "[prod]\nAccountsFolder=" + accounts.toUtf8() +
+                                       "\nDefaultAccount=ACC\n");
         mvConnection::Instance().Initialize(1);
         lockByOther(QStringLiteral("LOCKED"));
     }

@@ -1,3 +1,4 @@
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
@@ -26,16 +27,6 @@ class tst_DocumentText : public QObject {
         buffer().SetLex(nullptr);
         for (int line = 0; line < lines.size(); ++line)
             buffer().SetLineData(line, 1, flagged.contains(line) ? 0x200 | 0x1 : 0x1);
-    }
-    static int32_t errorOf(const std::function<void()>& fn, QString* description = nullptr) {
-        try {
-            fn();
-        } catch (const BrixError& e) {
-            if (description)
-                *description = e.Description;
-            return e.Number;
-        }
-        return 0;
     }
 
 private Q_SLOTS:
@@ -233,7 +224,9 @@ private Q_SLOTS:
         doc->GotoLabel(QStringLiteral("0100"));
         QCOMPARE(editor().CursorLine(), 0);
         QString description;
-        QCOMPARE(errorOf([&] { doc->GotoLabel(QStringLiteral("10")); }, &description), 32767);
+        QCOMPARE(
+            FileTestSupport::ErrorOf([&] { doc->GotoLabel(QStringLiteral("10")); }, &description),
+            32767);
         QCOMPARE(description, QStringLiteral("Target label not found!"));
     }
 
@@ -244,7 +237,7 @@ private Q_SLOTS:
         editor().SetCursor(0, 0);
         doc->SetSelText(QStringLiteral("TWO: Y\r\n"));
         buffer().SetLineData(0, 1, 0x200);
-        QCOMPARE(errorOf([&] { doc->GotoLabel(QStringLiteral("TWO")); }), 32767);
+        QCOMPARE(FileTestSupport::ErrorOf([&] { doc->GotoLabel(QStringLiteral("TWO")); }), 32767);
         doc->DropLabels();
         doc->GotoLabel(QStringLiteral("TWO"));
         QCOMPARE(editor().CursorLine(), 0);

@@ -1,3 +1,4 @@
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 
 #include "documents/ConnectionErrors.h"
@@ -105,28 +106,9 @@ class tst_HostResource : public QObject {
                 bytes.append(static_cast<char>(b));
         return bytes + "\r\n\r\rend\n";
     }
-    static void writeFile(const QString& path, const QByteArray& bytes) {
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    static QByteArray readFile(const QString& path) {
-        QFile f(path);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-    }
-    static int32_t errorOf(const std::function<void()>& fn, QString* description = nullptr) {
-        try {
-            fn();
-        } catch (const BrixError& e) {
-            if (description)
-                *description = e.Description;
-            return e.Number;
-        }
-        return 0;
-    }
-    // Runs this program as a child in the given mode and gives its first answer line.
-    QString runChild(const QByteArray& mode, const QStringList& args, bool nobody = false) {
-        QProcess child;
+    // Starts this program as a child in the given mode.
+    static void startChild(QProcess& child, const QByteArray& mode, const QStringList& args,
+                           bool nobody = false) {
         child.setProgram(QCoreApplication::applicationFilePath());
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("BRIX_CONN_CHILD"), QString::fromUtf8(mode));
@@ -134,9 +116,20 @@ class tst_HostResource : public QObject {
         env.insert(QStringLiteral("BRIX_CONN_NOBODY"), nobody ? QStringLiteral("1") : QString());
         child.setProcessEnvironment(env);
         child.start();
+    }
+    // Runs a child to its end and gives its first answer line.
+    static QString runChild(const QByteArray& mode, const QStringList& args, bool nobody = false) {
+        QProcess child;
+        startChild(child, mode, args, nobody);
         child.closeWriteChannel();
         child.waitForFinished(60000);
         return QString::fromUtf8(child.readAllStandardOutput()).trimmed();
+    }
+    // A second process that holds the lock of BP MAIN until its input closes.
+    void startLockHolder(QProcess& holder) {
+        startChild(holder, "lock", {accounts, QStringLiteral("BP"), QStringLiteral("MAIN")});
+        QVERIFY(holder.waitForReadyRead(30000));
+        QCOMPARE(holder.readLine().trimmed(), QByteArray("locked"));
     }
 
 private Q_SLOTS:
@@ -167,12 +160,12 @@ private Q_SLOTS:
         QFETCH(bool, raw);
         QFETCH(int, charset);
         const QByteArray bytes = allBytes();
-        writeFile(bp + QStringLiteral("/ALL"), bytes);
+        FileTestSupport::WriteFile(bp + QStringLiteral("/ALL"), bytes);
         auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("ALL"), raw,
                       ItemTextCodec::Charset(charset));
         const QString text = r->ReadText();
         r->WriteText(text);
-        QCOMPARE(readFile(bp + QStringLiteral("/ALL")), bytes);
+        QCOMPARE(FileTestSupport::ReadFile(bp + QStringLiteral("/ALL")), bytes);
     }
 
     // What the text looks like for each way of storing marks, and that it goes back.
@@ -212,13 +205,13 @@ private Q_SLOTS:
         QFETCH(int, charset);
         QFETCH(QByteArray, bytes);
         QFETCH(QString, text);
-        writeFile(bp + QStringLiteral("/X"), bytes);
+        FileTestSupport::WriteFile(bp + QStringLiteral("/X"), bytes);
         auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("X"), raw,
                       ItemTextCodec::Charset(charset));
         QCOMPARE(r->ReadText(), text);
-        writeFile(bp + QStringLiteral("/X"), "old");
+        FileTestSupport::WriteFile(bp + QStringLiteral("/X"), "old");
         r->WriteText(text);
-        QCOMPARE(readFile(bp + QStringLiteral("/X")), bytes);
+        QCOMPARE(FileTestSupport::ReadFile(bp + QStringLiteral("/X")), bytes);
     }
 
     // A new item gets LF line ends whatever the text holds.
@@ -227,28 +220,28 @@ private Q_SLOTS:
         QVERIFY(!r->Exists());
         QVERIFY(r->IsItem());
         r->WriteText(QStringLiteral("A\r\nB\nC"));
-        QCOMPARE(readFile(bp + QStringLiteral("/NEW")), QByteArray("A\nB\nC"));
+        QCOMPARE(FileTestSupport::ReadFile(bp + QStringLiteral("/NEW")), QByteArray("A\nB\nC"));
         QVERIFY(r->Exists());
     }
 
     void unrepresentableCharacterKeepsOldItem() {
-        writeFile(bp + QStringLiteral("/X"), "old");
+        FileTestSupport::WriteFile(bp + QStringLiteral("/X"), "old");
         auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("X"));
         QString description;
         // U+00FD would read back as a value mark; U+20AC has no Latin-1 byte at all.
         for (const QString& text : {QStringLiteral("a\r\nb\u00fd"), QStringLiteral("\u20ac")}) {
-            QCOMPARE(errorOf([&] { r->WriteText(text); }, &description),
+            QCOMPARE(FileTestSupport::ErrorOf([&] { r->WriteText(text); }, &description),
                      ConnectionErrors::Unrepresentable);
             QVERIFY2(description.contains(QStringLiteral("Nothing was written")),
                      qPrintable(description));
-            QCOMPARE(readFile(bp + QStringLiteral("/X")), QByteArray("old"));
+            QCOMPARE(FileTestSupport::ReadFile(bp + QStringLiteral("/X")), QByteArray("old"));
         }
         QVERIFY(description.contains(QStringLiteral("line 1")));
     }
 
     void writeKeepsModeAndLeavesNoTemporary() {
         const QString path = bp + QStringLiteral("/M");
-        writeFile(path, "old");
+        FileTestSupport::WriteFile(path, "old");
         ::chmod(QFile::encodeName(path).constData(), 0640);
         item(accounts, QStringLiteral("BP"), QStringLiteral("M"))->WriteText(QStringLiteral("new"));
         struct stat st {};
@@ -261,12 +254,13 @@ private Q_SLOTS:
     // refuses writes with the "can't write" number.
     void unwritableItem() {
         const QString path = bp + QStringLiteral("/RO");
-        writeFile(path, "keep");
+        FileTestSupport::WriteFile(path, "keep");
         ::chmod(QFile::encodeName(path).constData(), 0444);
         auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("RO"));
         QVERIFY(r->ReadOnly());
-        QCOMPARE(errorOf([&] { r->WriteText(QStringLiteral("x")); }), BrixErrors::CannotWrite);
-        QCOMPARE(readFile(path), QByteArray("keep"));
+        QCOMPARE(FileTestSupport::ErrorOf([&] { r->WriteText(QStringLiteral("x")); }),
+                 BrixErrors::CannotWrite);
+        QCOMPARE(FileTestSupport::ReadFile(path), QByteArray("keep"));
         r->SetReadOnly(true);
         QVERIFY(r->ReadOnly());
     }
@@ -284,16 +278,16 @@ private Q_SLOTS:
     void hashedFilesAndFoldersAreNoItems() {
         QFETCH(QString, file);
         QFETCH(QString, id);
-        writeFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
+        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
         QDir().mkpath(accounts + QStringLiteral("/ACC/CUST"));
-        writeFile(accounts + QStringLiteral("/ACC/CUST/DATA.30"), "");
+        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/CUST/DATA.30"), "");
         QDir().mkpath(accounts + QStringLiteral("/ACC/QMF"));
-        writeFile(accounts + QStringLiteral("/ACC/QMF/%0"), "");
+        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/QMF/%0"), "");
         QDir().mkpath(bp + QStringLiteral("/SUB"));
         auto r = item(accounts, file, id);
         QVERIFY(!r->IsItem());
         QVERIFY(r->Exists());
-        QCOMPARE(errorOf([&] { r->ReadText(); }), ConnectionErrors::NotAnItem);
+        QCOMPARE(FileTestSupport::ErrorOf([&] { r->ReadText(); }), ConnectionErrors::NotAnItem);
     }
 
     // Ids that would name something outside the file's folder are refused or escaped,
@@ -321,14 +315,14 @@ private Q_SLOTS:
         QFETCH(int, mode);
         QFETCH(QString, id);
         QFETCH(bool, refused);
-        const QString before = readFile(accounts + QStringLiteral("/ACC/x"));
+        const QString before = FileTestSupport::ReadFile(accounts + QStringLiteral("/ACC/x"));
         auto make = [&] {
             return std::make_shared<HostResource>(
                 makeHost(accounts, true, ItemTextCodec::Charset::Latin1, ItemIdCodec::Mode(mode)),
                 QStringLiteral("*"), QStringLiteral("ACC"), QStringLiteral("BP"), id);
         };
         if (refused) {
-            QCOMPARE(errorOf([&] { make(); }), ConnectionErrors::BadItemId);
+            QCOMPARE(FileTestSupport::ErrorOf([&] { make(); }), ConnectionErrors::BadItemId);
             return;
         }
         auto r = make();
@@ -337,7 +331,7 @@ private Q_SLOTS:
         r->WriteText(QStringLiteral("data"));
         QCOMPARE(QDir(bp).entryList(QDir::Files | QDir::Hidden).size(), 1);
         QCOMPARE(r->ReadText(), QStringLiteral("data"));
-        QCOMPARE(readFile(accounts + QStringLiteral("/ACC/x")), before.toUtf8());
+        QCOMPARE(FileTestSupport::ReadFile(accounts + QStringLiteral("/ACC/x")), before.toUtf8());
         // The name lists back as the same id.
         const auto children =
             std::make_shared<HostResource>(
@@ -350,20 +344,14 @@ private Q_SLOTS:
 
     void lockHeldByAnotherProcess() {
         QProcess holder;
-        holder.setProgram(QCoreApplication::applicationFilePath());
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("BRIX_CONN_CHILD"), QStringLiteral("lock"));
-        env.insert(QStringLiteral("BRIX_CONN_ARGS"),
-                   QStringList{accounts, QStringLiteral("BP"), QStringLiteral("MAIN")}.join(
-                       QLatin1Char('\n')));
-        holder.setProcessEnvironment(env);
-        holder.start();
-        QVERIFY(holder.waitForReadyRead(30000));
-        QCOMPARE(holder.readLine().trimmed(), QByteArray("locked"));
+        startLockHolder(holder);
+        if (QTest::currentTestFailed())
+            return;
 
         auto mine = item(accounts, QStringLiteral("BP"), QStringLiteral("MAIN"));
         QString description;
-        QCOMPARE(errorOf([&] { mine->SetLocked(true); }, &description), BrixErrors::LockedByOther);
+        QCOMPARE(FileTestSupport::ErrorOf([&] { mine->SetLocked(true); }, &description),
+                 BrixErrors::LockedByOther);
         const ItemLock::Holder self = ItemLock::Holder::Self();
         QVERIFY2(description.contains(self.User) && description.contains(self.Machine) &&
                      description.contains(QString::number(holder.processId())),
@@ -385,15 +373,9 @@ private Q_SLOTS:
 
     void lockOfDeadHolderIsTakenOver() {
         QProcess holder;
-        holder.setProgram(QCoreApplication::applicationFilePath());
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("BRIX_CONN_CHILD"), QStringLiteral("lock"));
-        env.insert(QStringLiteral("BRIX_CONN_ARGS"),
-                   QStringList{accounts, QStringLiteral("BP"), QStringLiteral("MAIN")}.join(
-                       QLatin1Char('\n')));
-        holder.setProcessEnvironment(env);
-        holder.start();
-        QVERIFY(holder.waitForReadyRead(30000));
+        startLockHolder(holder);
+        if (QTest::currentTestFailed())
+            return;
         holder.kill();
         QVERIFY(holder.waitForFinished(30000));
         const QString entry = accounts + QStringLiteral("/ACC/.brix-locks/") +
@@ -403,7 +385,7 @@ private Q_SLOTS:
         auto mine = item(accounts, QStringLiteral("BP"), QStringLiteral("MAIN"));
         mine->SetLocked(true);
         QVERIFY(mine->Locked());
-        QCOMPARE(ItemLock::Holder::Parse(readFile(entry)).Pid, qint64(::getpid()));
+        QCOMPARE(ItemLock::Holder::Parse(FileTestSupport::ReadFile(entry)).Pid, qint64(::getpid()));
         mine->Release();
         QVERIFY(!QFile::exists(entry));
     }
@@ -426,26 +408,27 @@ private Q_SLOTS:
         elsewhere.Machine = QStringLiteral("another-machine");
         elsewhere.Pid = 1;
         QDir().mkpath(QFileInfo(entry).path());
-        writeFile(entry, elsewhere.ToBytes());
+        FileTestSupport::WriteFile(entry, elsewhere.ToBytes());
         QString description;
-        QCOMPARE(errorOf([&] { a->SetLocked(true); }, &description), BrixErrors::LockedByOther);
+        QCOMPARE(FileTestSupport::ErrorOf([&] { a->SetLocked(true); }, &description),
+                 BrixErrors::LockedByOther);
         QVERIFY(description.contains(QStringLiteral("another-machine")));
     }
 
     void fullDiskKeepsOldItem() {
         const QString path = bp + QStringLiteral("/BIG");
-        writeFile(path, "old contents");
+        FileTestSupport::WriteFile(path, "old contents");
         const QString answer = runChild("write", {accounts, QStringLiteral("BP"),
                                                   QStringLiteral("BIG"), QStringLiteral("4096")});
         QVERIFY2(answer.startsWith(QStringLiteral("error 80049d11")), qPrintable(answer));
         QVERIFY2(answer.contains(QStringLiteral("unchanged")), qPrintable(answer));
-        QCOMPARE(readFile(path), QByteArray("old contents"));
+        QCOMPARE(FileTestSupport::ReadFile(path), QByteArray("old contents"));
         QCOMPARE(QDir(bp).entryList(QDir::Files | QDir::Hidden),
                  QStringList{QStringLiteral("BIG")});
     }
 
     void unreadableAndUnwritableFolder() {
-        writeFile(bp + QStringLiteral("/X"), "old contents");
+        FileTestSupport::WriteFile(bp + QStringLiteral("/X"), "old contents");
         const bool root = ::geteuid() == 0;
         ::chmod(QFile::encodeName(bp).constData(), 0);
         QString answer =
@@ -460,7 +443,7 @@ private Q_SLOTS:
                           root);
         QVERIFY2(answer.startsWith(QStringLiteral("error 80049d12")), qPrintable(answer));
         ::chmod(QFile::encodeName(bp).constData(), 0755);
-        QCOMPARE(readFile(bp + QStringLiteral("/X")), QByteArray("old contents"));
+        QCOMPARE(FileTestSupport::ReadFile(bp + QStringLiteral("/X")), QByteArray("old contents"));
     }
 };
 

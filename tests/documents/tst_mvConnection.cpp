@@ -1,3 +1,4 @@
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 
 #include "documents/ConnectionErrors.h"
@@ -17,32 +18,12 @@ class tst_mvConnection : public QObject {
     QString accounts;
 
     static mvConnection& connection() { return mvConnection::Instance(); }
-    static void writeFile(const QString& path, const QByteArray& bytes) {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    static QByteArray readFile(const QString& path) {
-        QFile f(path);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-    }
-    static int32_t errorOf(const std::function<void()>& fn, QString* description = nullptr) {
-        try {
-            fn();
-        } catch (const BrixError& e) {
-            if (description)
-                *description = e.Description;
-            return e.Number;
-        }
-        return 0;
-    }
     void useProfiles(const QByteArray& ini) {
         const QString file = ConnectionProfiles::DefaultFile();
         if (ini.isEmpty())
             QFile::remove(file);
         else
-            writeFile(file, ini);
+            FileTestSupport::WriteFile(file, ini);
         connection().Initialize(1);
     }
     QByteArray prodProfile() const {
@@ -59,9 +40,9 @@ private Q_SLOTS:
         accounts = tmp.path();
         QDir().mkpath(accounts + QStringLiteral("/ACC/BP"));
         QDir().mkpath(accounts + QStringLiteral("/elsewhere/BP"));
-        writeFile(accounts + QStringLiteral("/ACC/BP/MAIN"), "A\nB\xef\xa3\xbd"
-                                                             "C\n");
-        writeFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
+        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/BP/MAIN"), "A\nB\xef\xa3\xbd"
+                                                                              "C\n");
+        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
     }
     void init() { useProfiles(prodProfile()); }
 
@@ -182,23 +163,25 @@ private Q_SLOTS:
                               ItemLock::EntryName(QStringLiteral("BP"), QStringLiteral("MAIN"));
         ItemLock::Holder other = ItemLock::Holder::Self();
         other.Machine = QStringLiteral("far-away");
-        writeFile(entry, other.ToBytes());
+        FileTestSupport::WriteFile(entry, other.ToBytes());
         const QString path = QStringLiteral("mvdb://*/ACC/BP/MAIN");
         QString description;
-        QCOMPARE(errorOf([&] { connection().GetResource(path, false, true); }, &description),
+        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, false, true); },
+                                          &description),
                  BrixErrors::LockedByOther);
         QVERIFY(description.contains(QStringLiteral("far-away")));
-        QCOMPARE(errorOf([&] { connection().GetResource(path, true, true); }), 0);
-        QCOMPARE(errorOf([&] { connection().GetResource(path, false, false); }), 0);
+        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, true, true); }), 0);
+        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, false, false); }),
+                 0);
         QFile::remove(entry);
     }
 
     void unwritableItemCannotBeOpenedForWriting() {
         const QString file = accounts + QStringLiteral("/ACC/BP/RO");
-        writeFile(file, "x");
+        FileTestSupport::WriteFile(file, "x");
         ::chmod(QFile::encodeName(file).constData(), 0444);
         const QString path = QStringLiteral("mvdb://*/ACC/BP/RO");
-        QCOMPARE(errorOf([&] { connection().GetResource(path, false, true); }),
+        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, false, true); }),
                  BrixErrors::CannotWrite);
         auto r = connection().GetResource(path, true, false);
         QVERIFY(r->ReadOnly());
@@ -229,7 +212,8 @@ private Q_SLOTS:
         QFETCH(int, number);
         QFETCH(QString, words);
         QString description;
-        QCOMPARE(errorOf([&] { connection().GetResource(path, true, false); }, &description),
+        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, true, false); },
+                                          &description),
                  number);
         QVERIFY2(description.contains(words), qPrintable(description));
     }
@@ -252,26 +236,26 @@ private Q_SLOTS:
         QCOMPARE(server->Host()->Session().AccountName, QStringLiteral("ACC"));
         useProfiles({});
         auto demo = connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
-        QCOMPARE(errorOf([&] { demo->Host()->Execute(QStringLiteral("LIST")); }),
+        QCOMPARE(FileTestSupport::ErrorOf([&] { demo->Host()->Execute(QStringLiteral("LIST")); }),
                  ConnectionErrors::CommandsNotAllowed);
     }
 
     void localFiles() {
         const QString utf8 = accounts + QStringLiteral("/local/u.txt");
         const QString latin = accounts + QStringLiteral("/local/l.txt");
-        writeFile(utf8, "caf\xc3\xa9\r\nline\r\n");
-        writeFile(latin, "caf\xe9\nx\n");
+        FileTestSupport::WriteFile(utf8, "caf\xc3\xa9\r\nline\r\n");
+        FileTestSupport::WriteFile(latin, "caf\xe9\nx\n");
         auto u = connection().GetResource(connection().MakeFilePath({}, {}, utf8), false, true);
         QCOMPARE(u->Provider(), QStringLiteral("file"));
         QCOMPARE(u->ItemID(), QStringLiteral("u.txt"));
         QCOMPARE(u->ReadText(), QString::fromUtf8("caf\xc3\xa9\r\nline\r\n"));
         u->WriteText(u->ReadText() + QStringLiteral("more"));
-        QCOMPARE(readFile(utf8), QByteArray("caf\xc3\xa9\r\nline\r\nmore"));
+        QCOMPARE(FileTestSupport::ReadFile(utf8), QByteArray("caf\xc3\xa9\r\nline\r\nmore"));
         // Not UTF-8: read byte for byte, written back the same.
         auto l = connection().GetResource(connection().MakeFilePath({}, {}, latin), false, true);
         QCOMPARE(l->ReadText(), QString::fromLatin1("caf\xe9\r\nx\r\n"));
         l->WriteText(l->ReadText());
-        QCOMPARE(readFile(latin), QByteArray("caf\xe9\nx\n"));
+        QCOMPARE(FileTestSupport::ReadFile(latin), QByteArray("caf\xe9\nx\n"));
 
         QVERIFY(!connection()
                      .GetResource(QStringLiteral("file://") + accounts + QStringLiteral("/local/"),
