@@ -11,11 +11,18 @@ namespace {
 const QString kDemoName = QStringLiteral("demo");
 
 bool toBool(const QVariant& value, bool fallback) {
-    const QString text = value.toString().trimmed().toLower();
-    if (text.isEmpty())
+    const QString word = value.toString().trimmed().toLower();
+    if (word.isEmpty())
         return fallback;
-    return text == QLatin1String("true") || text == QLatin1String("yes") ||
-           text == QLatin1String("1") || text == QLatin1String("on");
+    return word == QLatin1String("true") || word == QLatin1String("yes") ||
+           word == QLatin1String("1") || word == QLatin1String("on");
+}
+
+// The INI reader turns a value with commas into a list; the text is what was written.
+QString text(const QVariant& value) {
+    if (value.typeId() == QMetaType::QStringList)
+        return value.toStringList().join(QStringLiteral(", "));
+    return value.toString();
 }
 
 QString expandHome(const QString& path) {
@@ -69,18 +76,18 @@ void ConnectionProfiles::Load(const QString& file) {
             ini.beginGroup(group);
             HostProfile p;
             p.Name = group;
-            p.Label = ini.value(QStringLiteral("Label")).toString();
+            p.Label = text(ini.value(QStringLiteral("Label")));
             p.Transport = ini.value(QStringLiteral("Transport"), QStringLiteral("local"))
                               .toString()
                               .trimmed()
                               .toLower();
-            p.AccountsFolder = expandHome(ini.value(QStringLiteral("AccountsFolder")).toString());
+            p.AccountsFolder = expandHome(text(ini.value(QStringLiteral("AccountsFolder"))));
             ini.beginGroup(QStringLiteral("Accounts"));
             for (const QString& key : ini.childKeys())
-                p.Accounts.append({key, expandHome(ini.value(key).toString())});
+                p.Accounts.append({key, expandHome(text(ini.value(key)))});
             ini.endGroup();
-            p.DefaultAccount = ini.value(QStringLiteral("DefaultAccount")).toString();
-            p.CommandLine = ini.value(QStringLiteral("Command")).toString();
+            p.DefaultAccount = text(ini.value(QStringLiteral("DefaultAccount")));
+            p.CommandLine = text(ini.value(QStringLiteral("Command")));
             p.AllowCommands = toBool(ini.value(QStringLiteral("AllowCommands")), false);
             const QString marks = ini.value(QStringLiteral("Marks"), QStringLiteral("raw"))
                                       .toString()
@@ -97,13 +104,13 @@ void ConnectionProfiles::Load(const QString& file) {
                 Warnings << QStringLiteral(
                                 "Connection %1: unknown character set, ISO-8859-1 is used.")
                                 .arg(group);
-            p.ItemNames = ItemIdCodec::ModeFromName(
-                ini.value(QStringLiteral("ItemNames")).toString(), &known);
+            p.ItemNames =
+                ItemIdCodec::ModeFromName(text(ini.value(QStringLiteral("ItemNames"))), &known);
             if (!known)
                 Warnings << QStringLiteral(
                                 "Connection %1: unknown item name mapping, plain is used.")
                                 .arg(group);
-            const QString lockFolder = ini.value(QStringLiteral("LockFolder")).toString().trimmed();
+            const QString lockFolder = text(ini.value(QStringLiteral("LockFolder"))).trimmed();
             if (!lockFolder.isEmpty() && !lockFolder.contains(QLatin1Char('/')) &&
                 lockFolder != QLatin1String("..") && lockFolder != QLatin1String("."))
                 p.LockFolder = lockFolder;
@@ -113,7 +120,7 @@ void ConnectionProfiles::Load(const QString& file) {
             ini.endGroup();
             profiles_.push_back(std::move(p));
         }
-        defaultName_ = ini.value(QStringLiteral("Default")).toString();
+        defaultName_ = text(ini.value(QStringLiteral("Default")));
     }
     if (!Find(kDemoName))
         profiles_.push_back(Demo());

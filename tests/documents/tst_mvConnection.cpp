@@ -27,7 +27,7 @@ class tst_mvConnection : public QObject {
         connection().Initialize(1);
     }
     QByteArray prodProfile() const {
-        return "[General]\nDefault=prod\n\n[prod]\nLabel=PROD\nAccountsFolder=" +
+        return "[General]\nDefault=prod\n\n[prod]\nLabel=PROD, EU\nAccountsFolder=" +
                accounts.toUtf8() + "\nAccounts\\OTHER=" + accounts.toUtf8() +
                "/elsewhere\nDefaultAccount=ACC\nCommand=/bin/echo -n\nAllowCommands=yes\n"
                "Marks=utf8\nItemNames=qm\n\n[pwd]\nAccountsFolder=" +
@@ -94,7 +94,7 @@ private Q_SLOTS:
     void profiles() {
         const ConnectionProfiles& p = connection().Profiles();
         QCOMPARE(p.Find(QStringLiteral("*"))->Name, QStringLiteral("prod"));
-        QCOMPARE(p.Find(QStringLiteral("PROD"))->Label, QStringLiteral("PROD"));
+        QCOMPARE(p.Find(QStringLiteral("PROD"))->Label, QStringLiteral("PROD, EU"));
         QVERIFY(!p.Find(QStringLiteral("nope")));
         QVERIFY(p.Find(QStringLiteral("demo")));
         const HostProfile& prod = *p.Find(QStringLiteral("prod"));
