@@ -1,0 +1,209 @@
+#include "SettingsSandbox.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "settings/IniProfile.h"
+#include "settings/SettingsStore.h"
+#include "shell/FramePlacement.h"
+#include "shell/frmMain.h"
+
+#include <QScreen>
+#include <QStatusBar>
+
+Q_DECLARE_METATYPE(TwipsRect)
+
+namespace {
+
+constexpr int Twips = FramePlacement::TwipsPerPixel;
+
+TwipsRect twips(int left, int top, int width, int height) {
+    return {left * Twips, top * Twips, width * Twips, height * Twips};
+}
+
+void store(const QString& key, const QString& value) {
+    SettingsStore::WriteSetting(QStringLiteral("Software\\Tolvek\\MultiValue Editor\\Settings\\"),
+                                key, value);
+}
+
+void storeRect(const TwipsRect& rect) {
+    store(QStringLiteral("MainLeft"), QString::number(rect.Left));
+    store(QStringLiteral("MainTop"), QString::number(rect.Top));
+    store(QStringLiteral("MainWidth"), QString::number(rect.Width));
+    store(QStringLiteral("MainHeight"), QString::number(rect.Height));
+}
+
+QString stored(const SettingsSandbox& sandbox, const QString& key) {
+    return IniProfile::FromBytes(sandbox.StateFileBytes())
+        .Value(QStringLiteral("MultiValueEditor_Settings_"), key);
+}
+
+TwipsRect storedRect(const SettingsSandbox& sandbox) {
+    return {stored(sandbox, QStringLiteral("MainLeft")).toInt(),
+            stored(sandbox, QStringLiteral("MainTop")).toInt(),
+            stored(sandbox, QStringLiteral("MainWidth")).toInt(),
+            stored(sandbox, QStringLiteral("MainHeight")).toInt()};
+}
+
+TwipsRect frameRect(const frmMain& frame) {
+    return twips(frame.x(), frame.y(), frame.width(), frame.height());
+}
+
+QSize screenSize() {
+    return QGuiApplication::primaryScreen()->size();
+}
+
+} // namespace
+
+namespace QTest {
+template <> char* toString(const TwipsRect& r) {
+    return qstrdup(QStringLiteral("(%1, %2, %3 x %4)")
+                       .arg(r.Left)
+                       .arg(r.Top)
+                       .arg(r.Width)
+                       .arg(r.Height)
+                       .toUtf8()
+                       .constData());
+}
+} // namespace QTest
+
+class tst_FramePlacement : public QObject {
+    Q_OBJECT
+
+    // The frame as start-up makes it, and its unload as the program does it.
+    QPointer<frmMain> openFrame() {
+        ProcessState::Instance().ShutdownStarted = false;
+        QPointer<frmMain> frame = new frmMain;
+        frame->Load();
+        frame->show();
+        return frame;
+    }
+
+    void closeFrame(QPointer<frmMain>& frame) {
+        frame->UnloadForm();
+        QTRY_VERIFY(frame.isNull());
+    }
+
+private Q_SLOTS:
+    void fit_data() {
+        QTest::addColumn<TwipsRect>("rect");
+        QTest::addColumn<TwipsRect>("desktop");
+        QTest::addColumn<TwipsRect>("expected");
+        const TwipsRect hd = twips(0, 0, 1920, 1080);
+        QTest::newRow("on the desktop")
+            << twips(100, 50, 800, 600) << hd << twips(100, 50, 800, 600);
+        QTest::newRow("right monitor gone")
+            << twips(2500, 100, 1200, 900) << hd
+            << TwipsRect{3600, 100 * Twips, 1200 * Twips, 900 * Twips};
+        QTest::newRow("just inside nine tenths")
+            << twips(1728, 972, 100, 100) << hd << twips(1728, 972, 100, 100);
+        QTest::newRow("left of the desktop")
+            << twips(-300, -20, 800, 600) << hd << twips(0, 0, 800, 600);
+        QTest::newRow("below nine tenths of the height")
+            << twips(10, 1000, 800, 600) << hd
+            << TwipsRect{10 * Twips, 2025, 800 * Twips, 600 * Twips};
+        QTest::newRow("too wide and too tall")
+            << twips(0, 0, 4000, 2000) << hd << twips(0, 0, 1920, 1080);
+        // A monitor left of the primary one: the desktop starts at a negative x.
+        const TwipsRect wide = twips(-1280, 0, 3200, 1080);
+        QTest::newRow("on the left monitor")
+            << twips(-1000, 10, 800, 600) << wide << twips(-1000, 10, 800, 600);
+        QTest::newRow("beyond origin plus extent")
+            << twips(1800, 10, 800, 600) << wide
+            << TwipsRect{3600, 10 * Twips, 800 * Twips, 600 * Twips};
+        QTest::newRow("left monitor gone")
+            << twips(-1000, 10, 800, 600) << hd << twips(0, 10, 800, 600);
+    }
+
+    void fit() {
+        QFETCH(TwipsRect, rect);
+        QFETCH(TwipsRect, desktop);
+        QFETCH(TwipsRect, expected);
+        // The reset position comes from the primary screen, 1920 x 1080 here.
+        QCOMPARE(FramePlacement::Fit(rect, desktop, 1920 * Twips, 1080 * Twips), expected);
+    }
+
+    void defaultRect() {
+        QCOMPARE(FramePlacement::DefaultRect(1920 * Twips, 1080 * Twips),
+                 (TwipsRect{3600, 2025, 21600, 12150}));
+        QCOMPARE(FramePlacement::DefaultRect(1366 * Twips, 768 * Twips),
+                 (TwipsRect{2561, 1440, 15368, 8640}));
+    }
+
+    void freshStoreTakesTheDefaults() {
+        SettingsSandbox sandbox(2);
+        QPointer<frmMain> frame = openFrame();
+        const QSize screen = screenSize();
+        const TwipsRect expected =
+            FramePlacement::DefaultRect(screen.width() * Twips, screen.height() * Twips);
+        QCOMPARE(frameRect(*frame), twips(expected.Left / Twips, expected.Top / Twips,
+                                          expected.Width / Twips, expected.Height / Twips));
+        closeFrame(frame);
+        QCOMPARE(stored(sandbox, QStringLiteral("MainState")), QStringLiteral("0"));
+        QCOMPARE(storedRect(sandbox), twips(expected.Left / Twips, expected.Top / Twips,
+                                            expected.Width / Twips, expected.Height / Twips));
+        QCOMPARE(stored(sandbox, QStringLiteral("StatusbarVisible")), QStringLiteral("True"));
+        QCOMPARE(stored(sandbox, QStringLiteral("ToolbarVisible")), QStringLiteral("True"));
+    }
+
+    void savedPlaceOnAVanishedMonitor() {
+        SettingsSandbox sandbox(2);
+        const QSize screen = screenSize();
+        storeRect(twips(screen.width() * 2, 10, screen.width() * 3, 100));
+        QPointer<frmMain> frame = openFrame();
+        QCOMPARE(frame->x(), qRound(screen.width() * 0.125));
+        QCOMPARE(frame->y(), 10);
+        QCOMPARE(frame->width(), screen.width());
+        closeFrame(frame);
+    }
+
+    void movesWhileNormalAreKept() {
+        SettingsSandbox sandbox(2);
+        storeRect(twips(20, 30, 400, 300));
+        QPointer<frmMain> frame = openFrame();
+        QCOMPARE(frameRect(*frame), twips(20, 30, 400, 300));
+        frame->move(40, 50);
+        frame->resize(420, 320);
+        // Maximised, the frame keeps the place it had when normal.
+        frame->setWindowState(Qt::WindowMaximized);
+        QTRY_VERIFY(frame->isMaximized());
+        closeFrame(frame);
+        QCOMPARE(stored(sandbox, QStringLiteral("MainState")), QStringLiteral("2"));
+        QCOMPARE(storedRect(sandbox), twips(40, 50, 420, 320));
+
+        frame = openFrame();
+        QVERIFY(frame->isMaximized());
+        frame->setWindowState(Qt::WindowNoState);
+        QTRY_COMPARE(frameRect(*frame), twips(40, 50, 420, 320));
+        closeFrame(frame);
+        QCOMPARE(stored(sandbox, QStringLiteral("MainState")), QStringLiteral("0"));
+    }
+
+    void minimisedAtExitKeepsTheEarlierState() {
+        SettingsSandbox sandbox(2);
+        store(QStringLiteral("MainState"), QStringLiteral("2"));
+        storeRect(twips(20, 30, 400, 300));
+        QPointer<frmMain> frame = openFrame();
+        frame->setWindowState(Qt::WindowNoState);
+        frame->move(60, 70);
+        QTRY_COMPARE(frame->pos(), QPoint(60, 70));
+        frame->setWindowState(Qt::WindowMinimized);
+        QVERIFY(frame->isMinimized());
+        closeFrame(frame);
+        QCOMPARE(stored(sandbox, QStringLiteral("MainState")), QStringLiteral("2"));
+        QCOMPARE(storedRect(sandbox), twips(60, 70, 400, 300));
+    }
+
+    void barsComeBackAsTheyWere() {
+        SettingsSandbox sandbox(2);
+        store(QStringLiteral("StatusbarVisible"), QStringLiteral("False"));
+        store(QStringLiteral("ToolbarVisible"), QStringLiteral("False"));
+        QPointer<frmMain> frame = openFrame();
+        QVERIFY(!frame->statusBar()->isVisible());
+        closeFrame(frame);
+        QCOMPARE(stored(sandbox, QStringLiteral("StatusbarVisible")), QStringLiteral("False"));
+        QCOMPARE(stored(sandbox, QStringLiteral("ToolbarVisible")), QStringLiteral("False"));
+    }
+};
+
+BRIX_TEST_MAIN(tst_FramePlacement)
+#include "tst_FramePlacement.moc"
