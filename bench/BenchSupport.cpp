@@ -9,30 +9,30 @@ QString Program(int lines) {
     // A block of 20 lines that repeats with changing numbers; every statement kind the
     // lexer and the formatter care about appears in it.
     static const char* const block[] = {
-        "%1 * Section %1 of the generated program for timing runs",
-        "   OPEN 'CUSTOMERS' TO F.CUST ELSE STOP 201, 'CUSTOMERS'",
-        "   READ REC FROM F.CUST, ID ELSE REC = '' ; * missing",
-        "   IF REC<1> = 'ACTIVE' THEN",
-        "      FOR I = 1 TO DCOUNT(REC<2>, @VM) ; * each value",
-        "         TOTAL = TOTAL + REC<2,I> * RATE",
-        "      NEXT I",
-        "   END ELSE",
-        "      MSG = \"Inactive\x1d" "customer\x1c" "flag\" : ID",
-        "      GOSUB L%1",
-        "   END",
-        "   LOOP",
-        "      READNEXT ID ELSE EXIT",
-        "      CALL PROCESS.ITEM(ID, REC, ERR)",
-        "   REPEAT",
-        "   BEGIN CASE",
-        "      CASE X = 1 ; Y = 2",
-        "      CASE 1 ; GOTO %1",
-        "   END CASE",
-        "L%1: RETURN",
+        "%1 * Section %1: totals of active customers by region and rate",
+        "   OPEN 'CUSTOMERS' TO F.CUSTOMERS ELSE STOP 201, 'CUSTOMERS'",
+        "   READ CUST.REC FROM F.CUSTOMERS, CUST.ID ELSE CUST.REC = '' ; * none",
+        "   IF CUST.REC<1> = 'ACTIVE' AND CUST.REC<7> # '' THEN",
+        "      FOR VALUE.NO = 1 TO DCOUNT(CUST.REC<2>, @VM) ; * each value",
+        "         REGION.TOTAL = REGION.TOTAL + CUST.REC<2,VALUE.NO> * RATE",
+        "      NEXT VALUE.NO ; * values",
+        "   END ELSE ; * not active",
+        "      MESSAGE.TEXT = \"Inactive\x1d" "customer\x1c" "flagged for review\" : CUST.ID",
+        "      GOSUB L%1 ; * report it",
+        "   END ; * of the status check",
+        "   LOOP ; * over the list",
+        "      READNEXT CUST.ID FROM CUSTOMER.LIST ELSE EXIT",
+        "      CALL PROCESS.CUSTOMER.ITEM(CUST.ID, CUST.REC, ERROR.CODE)",
+        "   REPEAT ; * list used up",
+        "   BEGIN CASE ; * zones by region",
+        "      CASE REGION.CODE = 'NORTH' ; SHIPPING.ZONE = 'Z1'",
+        "      CASE 1 ; GOTO %1 ; * everything else goes round again",
+        "   END CASE ; PRINT 'Region total: ' : OCONV(REGION.TOTAL, 'MD2')",
+        "L%1: RETURN ; * back to the caller with the totals computed",
     };
     constexpr int blockLines = static_cast<int>(sizeof(block) / sizeof(block[0]));
     QString out;
-    out.reserve(static_cast<qsizetype>(lines) * 54);
+    out.reserve(static_cast<qsizetype>(lines) * 56);
     for (int i = 0; i < lines; ++i) {
         const QString line = QString::fromLatin1(block[i % blockLines]);
         out += line.contains(QLatin1String("%1")) ? line.arg(i / blockLines + 1) : line;
