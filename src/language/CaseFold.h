@@ -12,11 +12,11 @@ inline char16_t Upper(char16_t c) {
     return QChar(c).toUpper().unicode();
 }
 
-inline bool IsAsciiLetter(char16_t c) {
+constexpr bool IsAsciiLetter(char16_t c) {
     return (c | 0x20) >= u'a' && (c | 0x20) <= u'z';
 }
 
-inline bool IsAsciiDigit(char16_t c) {
+constexpr bool IsAsciiDigit(char16_t c) {
     return c >= u'0' && c <= u'9';
 }
 

@@ -4,6 +4,7 @@
 #include "language/SourceBuffer.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -43,11 +44,23 @@ void LexClass::ISourceLex4_BeginLineScan(SourceBuffer& buffer, int32_t line, QSt
     lineText_ = text.first(std::min<qsizetype>(length, text.size()));
     lineNumber_ = line;
     lineLength_ = static_cast<int32_t>(lineText_.size());
+    chars_ = lineText_.utf16();
     scanIndex_ = 0;
     parenDepth_ = 0;
     lineFlags_ = 0;
     lastKind_ = 0;
     stringDelimiter_ = 0;
+    // Without a table only the letters begin and continue words.
+    static constexpr auto kLettersAndDigits = [] {
+        std::array<uint8_t, 128> classes{};
+        for (char16_t c = 0; c < 128; ++c)
+            classes[c] =
+                static_cast<uint8_t>((CaseFold::IsAsciiLetter(c) ? clsKeywords::CharLetter : 0) |
+                                     (CaseFold::IsAsciiDigit(c) ? clsKeywords::CharDigit : 0));
+        return classes;
+    }();
+    table_ = Keywords.get();
+    classes_ = table_ ? table_->AsciiClasses() : kLettersAndDigits.data();
 }
 
 void LexClass::ISourceLex4_EndLineScan(SourceBuffer& buffer, bool& result) {
@@ -228,7 +241,7 @@ bool LexClass::scanLabel(int32_t p, int32_t& end, int32_t& kind) {
 }
 
 bool LexClass::scanGo(int32_t p, int32_t& end) {
-    const bool fold = !(Keywords && Keywords->CaseSensitive());
+    const bool fold = !(table_ && table_->CaseSensitive());
     if (upperAt(p, fold) != u'G' || upperAt(p + 1, fold) != u'O')
         return false;
     int32_t q = p + 2;
@@ -252,23 +265,17 @@ bool LexClass::scanGo(int32_t p, int32_t& end) {
 }
 
 int32_t LexClass::scanWord(int32_t p, int32_t& end) {
-    const clsKeywords* keywords = Keywords.get();
     const char16_t c = at(p);
-    const bool firstChar = keywords && keywords->IsFirstChar(c);
-    if (!firstChar && !CaseFold::IsAsciiLetter(c)) {
+    if (!isWordStart(c)) {
         end = p + 1;
         return TokenKind::Normal;
     }
+    const bool firstChar = isFirstChar(c);
     int32_t q = p + 1;
-    while (q < lineLength_) {
-        const char16_t d = at(q);
-        if (!CaseFold::IsAsciiLetter(d) && !CaseFold::IsAsciiDigit(d) &&
-            !(keywords && keywords->IsNextChar(d)))
-            break;
+    while (q < lineLength_ && isWordPart(chars_[q]))
         ++q;
-    }
     lineFlags_ &= kClearMask;
-    const clsKeyword* entry = keywords ? keywords->Item(lineText_.sliced(p, q - p)) : nullptr;
+    const clsKeyword* entry = table_ ? table_->Item(lineText_.sliced(p, q - p)) : nullptr;
     if (!entry) {
         // @ID that isn't a word of the table is "@" and then the word ID.
         end = firstChar ? p + 1 : q;

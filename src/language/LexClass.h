@@ -57,7 +57,8 @@ public:
 
 private:
     char16_t at(int32_t i) const {
-        return i >= 0 && i < lineLength_ ? lineText_[i].unicode() : char16_t(0);
+        return static_cast<uint32_t>(i) < static_cast<uint32_t>(lineLength_) ? chars_[i]
+                                                                             : char16_t(0);
     }
     char16_t upperAt(int32_t i, bool fold) const;
     bool isMark(int32_t i) const {
@@ -72,10 +73,27 @@ private:
     bool scanGo(int32_t p, int32_t& end);
     int32_t scanWord(int32_t p, int32_t& end);
 
+    bool isFirstChar(char16_t c) const {
+        return c < 128 ? (classes_[c] & clsKeywords::CharFirst) != 0
+                       : table_ && table_->IsFirstChar(c);
+    }
+    // A letter A to Z or a to z, or a first character.
+    bool isWordStart(char16_t c) const {
+        return c < 128 ? (classes_[c] & (clsKeywords::CharFirst | clsKeywords::CharLetter)) != 0
+                       : table_ && table_->IsFirstChar(c);
+    }
+    // A letter, a digit or a next character.
+    bool isWordPart(char16_t c) const {
+        constexpr uint8_t part =
+            clsKeywords::CharNext | clsKeywords::CharLetter | clsKeywords::CharDigit;
+        return c < 128 ? (classes_[c] & part) != 0 : table_ && table_->IsNextChar(c);
+    }
+
     static constexpr char16_t kValueMark = 29;
     static constexpr char16_t kSubvalueMark = 28;
 
     QStringView lineText_;
+    const char16_t* chars_ = nullptr;
     int32_t lineNumber_ = 0;
     int32_t lineLength_ = 0;
     int32_t scanIndex_ = 0;
@@ -83,4 +101,7 @@ private:
     int32_t lineFlags_ = 0;
     int16_t lastKind_ = 0;
     char16_t stringDelimiter_ = 0;
+    // The table of this line's scan and its character classes, taken at its start.
+    const clsKeywords* table_ = nullptr;
+    const uint8_t* classes_ = nullptr;
 };

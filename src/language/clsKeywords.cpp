@@ -11,6 +11,11 @@ namespace {
 constexpr uint32_t kHashSeed = 2166136261u;
 constexpr uint32_t kHashPrime = 16777619u;
 
+// Bit of a word length in the set of lengths the table holds.
+uint64_t lengthBit(qsizetype length) {
+    return uint64_t(1) << std::min<qsizetype>(length, 63);
+}
+
 uint32_t foldedHash(QStringView word) {
     uint32_t hash = kHashSeed;
     for (QChar c : word) {
@@ -128,6 +133,7 @@ void clsKeywords::fillDefaults() {
 void clsKeywords::clear() {
     entries_.clear();
     slots_.clear();
+    lengths_ = 0;
     caseSensitive_ = false;
     dirty_ = true;
 }
@@ -137,7 +143,8 @@ QString clsKeywords::keyOf(const QString& word) const {
 }
 
 const clsKeywords::Entry* clsKeywords::find(QStringView word) const {
-    if (slots_.empty())
+    // Most names of a program are no keywords; many of them have a length no word has.
+    if (slots_.empty() || !(lengths_ & lengthBit(word.size())))
         return nullptr;
     const size_t mask = slots_.size() - 1;
     const uint32_t hash = foldedHash(word);
@@ -153,7 +160,9 @@ const clsKeywords::Entry* clsKeywords::find(QStringView word) const {
 void clsKeywords::rehash(size_t capacity) {
     slots_.assign(capacity, nullptr);
     const size_t mask = capacity - 1;
+    lengths_ = 0;
     for (const auto& entry : entries_) {
+        lengths_ |= lengthBit(entry->folded.size());
         size_t i = entry->hash & mask;
         while (slots_[i])
             i = (i + 1) & mask;
@@ -172,6 +181,7 @@ void clsKeywords::insert(Entry* entry) {
         return;
     }
     entries_.emplace_back(entry);
+    lengths_ |= lengthBit(entry->folded.size());
     const size_t mask = slots_.size() - 1;
     size_t i = entry->hash & mask;
     while (slots_[i])
@@ -332,6 +342,11 @@ void clsKeywords::derive() const {
                 next_.Append(word[i]);
         }
     }
+    for (char16_t c = 0; c < 128; ++c)
+        asciiClasses_[c] = static_cast<uint8_t>((first_.Contains(c) ? CharFirst : 0) |
+                                                (next_.Contains(c) ? CharNext : 0) |
+                                                (CaseFold::IsAsciiLetter(c) ? CharLetter : 0) |
+                                                (CaseFold::IsAsciiDigit(c) ? CharDigit : 0));
     dirty_ = false;
 }
 

@@ -40,6 +40,16 @@ public:
     // Membership tests of the two sets without regard to case, as the lexer needs them.
     bool IsFirstChar(char16_t c) const;
     bool IsNextChar(char16_t c) const;
+    // The same tests for the ASCII range as one table, for the lexer's inner loop, with
+    // the letters and digits marked as well.
+    static constexpr uint8_t CharFirst = 1;
+    static constexpr uint8_t CharNext = 2;
+    static constexpr uint8_t CharLetter = 4;
+    static constexpr uint8_t CharDigit = 8;
+    const uint8_t* AsciiClasses() const {
+        derive();
+        return asciiClasses_.data();
+    }
 
     // The entry of a word, or null. Upper-cases the word unless CaseSensitive; then the
     // entry's word must equal `word` exactly. Allocates nothing.
@@ -93,7 +103,10 @@ private:
     std::vector<std::unique_ptr<Entry>> entries_;
     // Open addressing, linear probing over the folded keys; size is a power of two.
     std::vector<Entry*> slots_;
+    // Lengths of the words in the table (63 for all longer); a removal leaves its bit.
+    uint64_t lengths_ = 0;
     mutable bool dirty_ = true;
     mutable CharSet first_;
     mutable CharSet next_;
+    mutable std::array<uint8_t, 128> asciiClasses_{};
 };
