@@ -72,18 +72,24 @@ void ScintillaBuffer::decodeLine(int32_t byteCount) const {
 }
 
 QString ScintillaBuffer::GetLine(int32_t line) const {
-    if (line < 0 || line >= NumLines())
+    if (line < 0)
         return {};
-    decodeLine(fetchLine(line));
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    if (start < 0)
+        return {};
+    // A line past the last one starts and ends at the document's end: it reads as empty.
+    decodeLine(fetchRange(start, sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line)));
     return lineText_;
 }
 
 int32_t ScintillaBuffer::GetLineLength(int32_t line) const {
-    if (line < 0 || line >= NumLines())
+    if (line < 0)
         return 0;
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    if (start < 0)
+        return 0;
     const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
-    const auto count = static_cast<int32_t>(end - start);
+    const auto count = static_cast<int32_t>(std::max(0L, end - start));
     // The scanner asks for the length while it holds a view of lineText_: use a scratch
     // buffer of its own here.
     thread_local std::string scratch;
@@ -107,17 +113,18 @@ void ScintillaBuffer::SetLineData(int32_t line, int32_t word, int32_t value) {
 }
 
 long ScintillaBuffer::PositionOf(int32_t column, int32_t line) const {
-    if (line >= NumLines())
-        return sci(QsciScintillaBase::SCI_GETLENGTH);
     line = std::max(line, 0);
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
-    if (column <= 0)
-        return start;
+    if (start < 0)
+        return sci(QsciScintillaBase::SCI_GETLENGTH);
+    return column <= 0 ? start : offsetInLine(start, line, column);
+}
+
+long ScintillaBuffer::offsetInLine(long start, int32_t line, int32_t column) const {
     const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
     // A code unit takes at most three bytes: the bytes beyond that can't matter.
     const long stop = std::min(end, start + 3L * column);
-    const auto count = static_cast<int32_t>(stop - start);
-    fetchRange(start, stop);
+    const int32_t count = fetchRange(start, stop);
     const char* bytes = lineBytes_.data();
     if (Utf8Columns::IsAscii(bytes, count))
         return start + std::min(column, count);
@@ -162,10 +169,15 @@ QByteArray ScintillaBuffer::toBufferText(const QString& text) const {
 
 void ScintillaBuffer::InsertText(int32_t column, int32_t line, const QString& text, int32_t,
                                  int32_t& endColumn, int32_t& endLine) {
-    line = clampLine(line);
-    const long position = PositionOf(column, line);
+    line = std::max(line, 0);
+    long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    if (start < 0 || line >= NumLines()) {
+        line = NumLines() - 1;
+        start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    }
+    const long position = column <= 0 ? start : offsetInLine(start, line, column);
     int32_t startColumn = 0;
-    if (column > 0)
+    if (position > start)
         ColumnLineOf(position, startColumn, line);
     const QByteArray bytes = toBufferText(text);
     if (!bytes.isEmpty())
@@ -184,8 +196,19 @@ void ScintillaBuffer::InsertText(int32_t column, int32_t line, const QString& te
 
 void ScintillaBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t endColumn,
                                  int32_t endLine) {
-    long from = PositionOf(startColumn, startLine);
-    long to = PositionOf(endColumn, endLine);
+    long from = 0;
+    long to = 0;
+    if (startLine == endLine && startLine >= 0) {
+        // Within one line, both ends come from one read of the line's start.
+        const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, startLine);
+        if (start < 0)
+            return;
+        from = startColumn <= 0 ? start : offsetInLine(start, startLine, startColumn);
+        to = endColumn <= 0 ? start : offsetInLine(start, startLine, endColumn);
+    } else {
+        from = PositionOf(startColumn, startLine);
+        to = PositionOf(endColumn, endLine);
+    }
     if (to < from)
         std::swap(from, to);
     if (to > from)

@@ -82,6 +82,8 @@ private:
     // Makes lineText_ the UTF-16 text of lineBytes_.
     void decodeLine(int32_t byteCount) const;
     int32_t clampLine(int32_t line) const;
+    // Position of a column of the line that starts at `start`.
+    long offsetInLine(long start, int32_t line, int32_t column) const;
     template <typename Fn> void runUnrecorded(Fn&& fn);
     void onModified(int position, int type, const char* text, int length, int added, int line,
                     int foldNow, int foldPrev, int token, int annotationLines);

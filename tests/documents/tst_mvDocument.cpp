@@ -18,7 +18,9 @@ class tst_mvDocument : public QObject {
     QPointer<frmMain> frame;
 
     static ProcessState& state() { return ProcessState::Instance(); }
-    static void flushDeletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+    static void flushDeletes() {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 
 private Q_SLOTS:
     void initTestCase() {
@@ -177,7 +179,8 @@ private Q_SLOTS:
         auto* window = static_cast<frmDocument*>(d->View());
         window->showMaximized();
         frame->SetTitle(QStringLiteral("Brix"));
-        QCOMPARE(frame->windowTitle(), QStringLiteral("Brix - [") + d->TitleText() + QStringLiteral("]"));
+        QCOMPARE(frame->windowTitle(),
+                 QStringLiteral("Brix - [") + d->TitleText() + QStringLiteral("]"));
         window->showNormal();
         QTRY_COMPARE(frame->windowTitle(), QStringLiteral("Brix"));
     }
