@@ -97,15 +97,17 @@ void loadField(Moriox& target, const Field& field, const QString& text) {
     if (auto* member = std::get_if<QString Moriox::*>(&field.Target)) {
         target.*(*member) = field.LoadRule == Rule::Font ? Moriox::ApplyFontRule(text) : text;
     } else if (auto* member = std::get_if<bool Moriox::*>(&field.Target)) {
-        if (const auto value = SettingText::ParseBoolean(text))
-            target.*(*member) = *value;
+        // A word that is neither True nor False leaves the member as a fresh object has it
+        // before any load: false.
+        target.*(*member) = SettingText::ParseBoolean(text).value_or(false);
     } else if (auto* member = std::get_if<int32_t Moriox::*>(&field.Target)) {
-        if (const auto value = fitting<int32_t>(SettingText::ParseNumber(text)))
-            target.*(*member) = *value;
+        target.*(*member) = fitting<int32_t>(SettingText::ParseNumber(text)).value_or(0);
     } else if (auto* member = std::get_if<int16_t Moriox::*>(&field.Target)) {
         auto value = fitting<int16_t>(SettingText::ParseNumber(text));
-        if (!value)
+        if (!value) {
+            target.*(*member) = 0; // out of range: as unset
             return;
+        }
         if (field.LoadRule == Rule::NotNegative && *value < 0)
             *value = 0;
         if (field.LoadRule == Rule::IndentChoice) {

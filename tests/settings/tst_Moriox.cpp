@@ -191,10 +191,10 @@ private Q_SLOTS:
                                            << "0";
         QTest::newRow("too big for its member") << "TabSize=70000"
                                                 << "TabSize"
-                                                << "3";
-        QTest::newRow("other word keeps the boolean") << "FontMono=Maybe"
-                                                      << "FontMono"
-                                                      << "True";
+                                                << "0";
+        QTest::newRow("other word leaves the boolean false") << "FontMono=Maybe"
+                                                             << "FontMono"
+                                                             << "False";
         QTest::newRow("boolean any case") << "FontMono=FALSE"
                                           << "FontMono"
                                           << "False";
@@ -450,7 +450,7 @@ private Q_SLOTS:
         QTest::newRow("binary lines")
             << Bytes("\x00\xFF\xFE\x01\n[MultiValueEditor_Settings_]\n\x80\x81\x82\n@=7\n"
                      "TabSize=5\nFontMono=\xC3\x28\nMargin=9\n\x00\x00")
-            << 5 << 9 << true;
+            << 5 << 9 << false;
         QByteArray truncated("\xFF\xFE");
         for (const QChar c :
              QStringLiteral("[MultiValueEditor_Settings_]\r\n@=7\r\nTabSize=4\r\nMargin=1"))
