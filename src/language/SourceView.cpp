@@ -22,6 +22,9 @@ SourceView::SourceView(QWidget* parent)
     setMarginWidth(2, 0);
     setIndentationsUseTabs(false);
     SendScintilla(SCI_SETEOLMODE, SC_EOL_LF);
+    // The horizontal bar follows the widest line seen instead of a fixed guess.
+    SendScintilla(SCI_SETSCROLLWIDTH, 1);
+    SendScintilla(SCI_SETSCROLLWIDTHTRACKING, 1);
     // Undo and redo of the component's own keys would bypass the operations.
     setContextMenuPolicy(Qt::DefaultContextMenu);
     // The gutter takes its room from the left of the viewport.
