@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QPalette>
+#include <iterator>
 #include <vector>
 
 namespace {
@@ -63,62 +64,44 @@ struct Role {
 
 // System colour index to the palette role that plays its part on this desktop. Window
 // borders, the desktop and caption gradients belong to the window manager: no role.
+constexpr QPalette::ColorGroup A = QPalette::Active;
+constexpr Role kNone = {false, QPalette::Active, QPalette::NoRole};
+constexpr Role kRoles[] = {
+    {true, A, QPalette::Mid},                              // 0 scroll bar
+    kNone,                                                 // 1 desktop
+    {true, A, QPalette::Highlight},                        // 2 active caption
+    {true, QPalette::Inactive, QPalette::Highlight},       // 3 inactive caption
+    {true, A, QPalette::Window},                           // 4 menu
+    {true, A, QPalette::Base},                             // 5 window
+    {true, A, QPalette::Shadow},                           // 6 window frame
+    {true, A, QPalette::WindowText},                       // 7 menu text
+    {true, A, QPalette::Text},                             // 8 window text
+    {true, A, QPalette::HighlightedText},                  // 9 caption text
+    kNone,                                                 // 10 active border
+    kNone,                                                 // 11 inactive border
+    {true, A, QPalette::Dark},                             // 12 application workspace
+    {true, A, QPalette::Highlight},                        // 13 selected item
+    {true, A, QPalette::HighlightedText},                  // 14 selected item text
+    {true, A, QPalette::Button},                           // 15 3D face
+    {true, A, QPalette::Dark},                             // 16 3D shadow
+    {true, QPalette::Disabled, QPalette::Text},            // 17 grey text
+    {true, A, QPalette::ButtonText},                       // 18 button text
+    {true, QPalette::Inactive, QPalette::HighlightedText}, // 19 inactive caption text
+    {true, A, QPalette::Light},                            // 20 3D highlight
+    {true, A, QPalette::Shadow},                           // 21 3D dark shadow
+    {true, A, QPalette::Midlight},                         // 22 3D light
+    {true, A, QPalette::ToolTipText},                      // 23 tooltip text
+    {true, A, QPalette::ToolTipBase},                      // 24 tooltip background
+    kNone,                                                 // 25 alternate button face
+    {true, A, QPalette::Link},                             // 26 hot-tracked item
+    kNone,                                                 // 27 gradient active caption
+    kNone,                                                 // 28 gradient inactive caption
+    {true, A, QPalette::Highlight},                        // 29 menu highlight
+    {true, A, QPalette::Window},                           // 30 menu bar
+};
+
 Role roleOf(int index) {
-    using P = QPalette;
-    switch (index) {
-    case 0:
-        return {true, P::Active, P::Mid}; // scroll bar
-    case 2:
-        return {true, P::Active, P::Highlight}; // active caption
-    case 3:
-        return {true, P::Inactive, P::Highlight}; // inactive caption
-    case 4:
-        return {true, P::Active, P::Window}; // menu
-    case 5:
-        return {true, P::Active, P::Base}; // window
-    case 6:
-        return {true, P::Active, P::Shadow}; // window frame
-    case 7:
-        return {true, P::Active, P::WindowText}; // menu text
-    case 8:
-        return {true, P::Active, P::Text}; // window text
-    case 9:
-        return {true, P::Active, P::HighlightedText}; // caption text
-    case 12:
-        return {true, P::Active, P::Dark}; // application workspace
-    case 13:
-        return {true, P::Active, P::Highlight}; // selected item
-    case 14:
-        return {true, P::Active, P::HighlightedText}; // selected item text
-    case 15:
-        return {true, P::Active, P::Button}; // 3D face
-    case 16:
-        return {true, P::Active, P::Dark}; // 3D shadow
-    case 17:
-        return {true, P::Disabled, P::Text}; // grey text
-    case 18:
-        return {true, P::Active, P::ButtonText}; // button text
-    case 19:
-        return {true, P::Inactive, P::HighlightedText}; // inactive caption text
-    case 20:
-        return {true, P::Active, P::Light}; // 3D highlight
-    case 21:
-        return {true, P::Active, P::Shadow}; // 3D dark shadow
-    case 22:
-        return {true, P::Active, P::Midlight}; // 3D light
-    case 23:
-        return {true, P::Active, P::ToolTipText}; // tooltip text
-    case 24:
-        return {true, P::Active, P::ToolTipBase}; // tooltip background
-    case 26:
-        return {true, P::Active, P::Link}; // hot-tracked item
-    case 29:
-        return {true, P::Active, P::Highlight}; // menu highlight
-    case 30:
-        return {true, P::Active, P::Window}; // menu bar
-    default:
-        return {false, P::Active, P::NoRole};
-    }
+    return index >= 0 && index < static_cast<int>(std::size(kRoles)) ? kRoles[index] : kNone;
 }
 
 int32_t toStored(const QColor& color) {
