@@ -507,6 +507,70 @@ private Q_SLOTS:
         QCOMPARE(view->Buffer().GetLine(6), QStringLiteral("IF X5 THEN GOSUB 100 ; * note"));
         QCOMPARE(view->Buffer().GetLineData(6, 1), 0);
     }
+
+    // Whatever the keys did, the colours kept from before them equal a fresh colouring.
+    void typedColoursMatchAFullColouring_data() {
+        QTest::addColumn<int>("line");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("selectToLine");
+        QTest::addColumn<QString>("keys");
+        QTest::newRow("quote opens a string") << 2 << 3 << -1 << "\"";
+        QTest::newRow("new line makes a label") << 2 << 3 << -1 << "\n10";
+        QTest::newRow("comment mark") << 4 << 0 << -1 << "*";
+        QTest::newRow("split a comment") << 2 << 28 << -1 << "\n";
+        QTest::newRow("over three lines") << 1 << 2 << 4 << "Y";
+        QTest::newRow("over lines with a new line") << 1 << 2 << 4 << "\n\n*";
+        QTest::newRow("backspace joins") << 3 << 0 << -1 << "\b\b";
+        QTest::newRow("delete joins") << 2 << 40 << -1 << "\x7f";
+    }
+    void typedColoursMatchAFullColouring() {
+        QFETCH(int, line);
+        QFETCH(int, column);
+        QFETCH(int, selectToLine);
+        QFETCH(QString, keys);
+        QString text;
+        for (int i = 0; i < 60; ++i)
+            text += QStringLiteral("L%1: IF X THEN GOSUB 100 ; * note 'q' \"s\x1d"
+                                   "t\"\n")
+                        .arg(i);
+        ScintillaBuffer& b = view->Buffer();
+        b.SetAllText(text);
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        view->repaint();
+        if (selectToLine >= 0)
+            view->SetSelection(column, line, 1, selectToLine);
+        else
+            view->SetCursor(column, line);
+        for (QChar key : keys) {
+            if (key == u'\n')
+                QTest::keyClick(view.get(), Qt::Key_Return);
+            else if (key == u'\b')
+                QTest::keyClick(view.get(), Qt::Key_Backspace);
+            else if (key == u'\x7f')
+                QTest::keyClick(view.get(), Qt::Key_Delete);
+            else
+                QTest::keyClicks(view.get(), QString(key));
+            view->repaint();
+        }
+        const int rows = view->VisibleRows();
+        const auto end = static_cast<qsizetype>(b.PositionOf(0, std::min(rows, b.NumLines() - 1)));
+        QByteArray typed;
+        for (qsizetype at = 0; at < end; ++at)
+            typed += static_cast<char>(view->SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT,
+                                                           static_cast<unsigned long>(at)));
+        b.InvalidateStyles(0);
+        view->repaint();
+        for (qsizetype at = 0; at < end; ++at) {
+            const auto fresh = static_cast<char>(view->SendScintilla(
+                QsciScintillaBase::SCI_GETSTYLEAT, static_cast<unsigned long>(at)));
+            if (fresh != typed[at])
+                QFAIL(qPrintable(QStringLiteral("position %1: style %2, fresh %3")
+                                     .arg(at)
+                                     .arg(int(typed[at]))
+                                     .arg(int(fresh))));
+        }
+    }
 };
 
 BRIX_TEST_MAIN(tst_LexClass)
