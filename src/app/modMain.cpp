@@ -2,6 +2,7 @@
 
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
+#include "documents/mvConnection.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
@@ -36,6 +37,7 @@ bool Main(QApplication& app) {
         // Help: the start page of the manual beside the executable.
         state.HelpFilePath =
             QCoreApplication::applicationDirPath() + QStringLiteral("/brix-help.html");
+        mvConnection::Instance().Initialize(1);
         state.ComputeMarkStrings();
 
         // Before the settings, whose default font rule looks for it.

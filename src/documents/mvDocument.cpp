@@ -3,18 +3,24 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/clsDocView.h"
+#include "documents/mvConnection.h"
+#include "documents/mvPath.h"
 #include "documents/mvResource.h"
 #include "editing/OpReplace.h"
 #include "editing/frmDocument.h"
 #include "editing/frmDocumentx.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
+#include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
 #include "support/BusyCursor.h"
 #include "support/ForceForeground.h"
+#include "support/MsgBoxEx.h"
+#include "support/ShowError.h"
 
+#include <QApplication>
 #include <Qsci/qsciscintillabase.h>
 #include <algorithm>
 
@@ -34,6 +40,70 @@ template <typename Fn, typename T> T guarded(Fn&& fn, T fallback) {
     } catch (...) {
         return fallback;
     }
+}
+
+// The busy pointer of one operation; it comes off while a question waits for the user.
+class BusyPointer {
+public:
+    BusyPointer() { Show(); }
+    ~BusyPointer() { Restore(); }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+    void Show() {
+        if (!shown_ && qobject_cast<QApplication*>(QCoreApplication::instance())) {
+            QApplication::setOverrideCursor(Qt::WaitCursor);
+            shown_ = true;
+        }
+    }
+    void Restore() {
+        if (shown_)
+            QApplication::restoreOverrideCursor();
+        shown_ = false;
+    }
+
+private:
+    bool shown_ = false;
+};
+
+// The description of the exception being handled, as the user is to read it.
+QString currentDescription() {
+    try {
+        throw;
+    } catch (const BrixError& error) {
+        return error.Description;
+    } catch (const std::exception& error) {
+        return QString::fromLocal8Bit(error.what());
+    } catch (...) {
+        return QStringLiteral("An unexpected error has occurred.");
+    }
+}
+
+int32_t ask(const QString& question, int32_t buttons) {
+    return BrixMessage(question, buttons | MsgBox::Question) & ~MsgBox::Ticked;
+}
+
+void tell(const QString& text) {
+    BrixMessage(text, MsgBox::Exclamation);
+}
+
+void setStatus(const QString& text) {
+    if (frmMain* frame = ProcessState::Instance().MainWindow)
+        frame->SetPaneText(1, text);
+}
+
+void updateCommands() {
+    if (frmMain* frame = ProcessState::Instance().MainWindow)
+        frame->UpdateToolBar();
+}
+
+// New paths start from the place of the last item opened or saved.
+void takeHostContext(const mvResource& resource) {
+    HostContext context;
+    context.Provider = resource.Provider();
+    context.ServerName = resource.ServerName();
+    context.Database = resource.Database();
+    context.Folder = resource.Folder();
+    ProcessState::Instance().Host = context;
 }
 
 } // namespace
@@ -193,40 +263,311 @@ bool mvDocument::MakeNew(std::shared_ptr<mvResource> resource) {
             view->SetTitle(TitleText());
             view->Show();
         }
-        if (state.MainWindow)
-            state.MainWindow->DocumentCount += 1;
+        countIn();
     } catch (...) {
     }
     if (resource_) {
         try {
-            HostContext context;
-            context.Provider = resource_->Provider();
-            context.ServerName = resource_->ServerName();
-            context.Database = resource_->Database();
-            context.Folder = resource_->Folder();
-            state.Host = context;
+            takeHostContext(*resource_);
         } catch (...) {
         }
     }
-    if (state.MainWindow)
-        state.MainWindow->UpdateToolBar();
+    updateCommands();
     return true;
 }
 
-bool mvDocument::FileClose(bool) {
+void mvDocument::countIn() {
+    frmMain* frame = ProcessState::Instance().MainWindow;
+    if (counted_ || !frame)
+        return;
+    frame->DocumentCount += 1;
+    counted_ = true;
+}
+
+void mvDocument::countOut() {
+    frmMain* frame = ProcessState::Instance().MainWindow;
+    if (!counted_ || !frame)
+        return;
+    counted_ = false;
+    frame->DocumentCount -= 1;
+    if (frame->DocumentCount < 1)
+        frame->ShowDocumentPanes(false);
+}
+
+bool mvDocument::FileOpen(const QString& path, bool readOnly) {
+    // A switch to read only works on copies: the caller's wish stays as it was.
+    bool openReadOnly = readOnly;
+    bool locking = Settings().RecordLocking;
+    mvConnection& connection = mvConnection::Instance();
+    std::shared_ptr<mvResource> resource;
+    while (!resource) {
+        try {
+            resource = connection.GetResource(path, openReadOnly, locking, 0);
+        } catch (const BrixError& error) {
+            if (error.Number == BrixErrors::CannotWrite && (!openReadOnly || locking)) {
+                // It can't be written at all, so it opens read only without a word.
+                openReadOnly = true;
+                locking = false;
+                continue;
+            }
+            if (error.Number == BrixErrors::LockedByOther && locking) {
+                QString name;
+                try {
+                    name = connection.GetResource(path, false, false, 0)->ShortName();
+                } catch (...) {
+                    tell(error.Description);
+                    return false;
+                }
+                if (ask(name + QStringLiteral(" is locked by another user or process. Open in "
+                                              "\"read only\" mode instead?"),
+                        MsgBox::YesNo) == MsgBox::Yes) {
+                    // No lock is tried again, so this can't be asked twice.
+                    openReadOnly = true;
+                    locking = false;
+                    continue;
+                }
+            }
+            tell(error.Description);
+            return false;
+        } catch (...) {
+            tell(currentDescription());
+            return false;
+        }
+    }
+    return OpenResource(std::move(resource), openReadOnly);
+}
+
+bool mvDocument::OpenResource(std::shared_ptr<mvResource> resource, bool readOnly) {
+    if (!resource)
+        return false;
+    BusyPointer busy;
+    try {
+        EnsureView();
+        if (!resource->IsItem()) {
+            busy.Restore();
+            tell(QStringLiteral("Unable to open item ") + resource->DisplayID() +
+                 QStringLiteral(" because it appears to be a folder or file definition."));
+            return false;
+        }
+        if (!resource->Exists()) {
+            busy.Restore();
+            if (ask(QStringLiteral("Item ") + resource->DisplayID() +
+                        QStringLiteral(" does not exist. Create new item?"),
+                    MsgBox::YesNo) == MsgBox::Yes)
+                return MakeNew(std::move(resource));
+            // Nothing to save yet, so the document goes at once.
+            FileClose(false);
+            return false;
+        }
+        if (readOnly) {
+            resource->SetReadOnly(true);
+        } else if (resource->ReadOnly()) {
+            // Protected on the host, as opposed to a lock that was refused.
+            busy.Restore();
+            if (ask(QStringLiteral("Item ") + resource->DisplayID() +
+                        QStringLiteral(" is \"read only\". Open in read-only mode?"),
+                    MsgBox::YesNo) != MsgBox::Yes)
+                return false;
+            resource->SetReadOnly(true);
+            busy.Show();
+        }
+        resource_.reset();
+        resource_ = std::move(resource);
+
+        ScintillaBuffer* buffer = Buffer();
+        setStatus(QStringLiteral("Reading document from host"));
+        {
+            const modAutoRecover::Suspension suspended;
+            const QString text = resource_->ReadText();
+            buffer->SetAllText(HostToEditorText(text));
+        }
+        setStatus(QString());
+
+        Editor()->SetCursor(0, 0);
+        buffer->ClearAllBookmarks();
+        buffer->ClearUndoStack();
+        buffer->SetModified(false);
+        View()->SetTitle(TitleText());
+        labels_.reset();
+        View()->Show();
+        countIn();
+        takeHostContext(*resource_);
+        updateCommands();
+        return true;
+    } catch (...) {
+        // What is already in the control stays; the caller decides about the document.
+        busy.Restore();
+        setStatus(QString());
+        tell(currentDescription());
+        return false;
+    }
+}
+
+void mvDocument::writeToResource() {
+    setStatus(QStringLiteral("Saving document to host"));
+    {
+        const modAutoRecover::Suspension suspended;
+        const QString text = Text();
+        resource_->WriteText(text);
+        resource_->Commit();
+    }
+    setStatus(QString());
+}
+
+bool mvDocument::FileSave() {
+    if (!resource_) {
+        tell(QStringLiteral("Cannot save document - file name and/or item ID missing!"));
+        return false;
+    }
+    if (ReadOnly()) {
+        tell(QStringLiteral("Cannot save ") + DisplayName() +
+             QStringLiteral(" - document is read-only!"));
+        return false;
+    }
+    EnsureView();
+    BusyPointer busy;
+    try {
+        writeToResource();
+        takeHostContext(*resource_);
+        SetDirty(false);
+        updateCommands();
+        labels_.reset();
+        // A new item stops being "(New)" here.
+        View()->SetTitle(TitleText());
+        return true;
+    } catch (...) {
+        // The text and its modified state stay, and so does the resource.
+        busy.Restore();
+        setStatus(QString());
+        tell(currentDescription());
+        return false;
+    }
+}
+
+bool mvDocument::FileSaveAs(const QString& path) {
+    EnsureView();
+    std::shared_ptr<mvResource> target;
+    try {
+        target = mvConnection::Instance().GetResource(path, false, false, 0);
+    } catch (...) {
+        tell(currentDescription());
+        return false;
+    }
+    if (guarded([&] { return target->IsItem(); }, false))
+        return SaveToResource(std::move(target));
+    tell(QStringLiteral("Cannot save document - file name and/or item ID missing!"));
+    return false;
+}
+
+bool mvDocument::SaveToResource(std::shared_ptr<mvResource> target) {
+    if (!target)
+        return false;
+    QString itemId;
+    try {
+        // Before any test: a refused save still moves the context.
+        takeHostContext(*target);
+        itemId = target->ItemID();
+        const QString quoted = QLatin1Char('\'') + itemId + QLatin1Char('\'');
+
+        bool checkOverwrite = true;
+        if (resource_ && mvPath::Same(resource_->Path(), target->Path())) {
+            checkOverwrite = false;
+            if (resource_->ReadOnly()) {
+                tell(QStringLiteral("Item ") + quoted +
+                     QStringLiteral(" is open in read-only mode. Please save using a different "
+                                    "name."));
+                return false;
+            }
+        }
+        if (checkOverwrite) {
+            if (!target->IsItem()) {
+                tell(quoted +
+                     QStringLiteral(" appears to be a file or folder and cannot be overwritten!"));
+                return false;
+            }
+            if (target->Exists()) {
+                if (target->ReadOnly()) {
+                    tell(QStringLiteral("Item ") + quoted +
+                         QStringLiteral(" exists and cannot be overwritten. Please save using a "
+                                        "different name."));
+                    return false;
+                }
+                if (ask(QStringLiteral("Item ") + quoted + QStringLiteral(" exists. Overwrite?"),
+                        MsgBox::YesNo) != MsgBox::Yes)
+                    return false;
+            }
+        }
+        if (Settings().RecordLocking) {
+            try {
+                target->SetLocked(true);
+            } catch (...) {
+                // The document's own resource is untouched: it stays as it was.
+                tell(QStringLiteral("Item ") + quoted +
+                     QStringLiteral(" is currently locked and cannot be updated!"));
+                return false;
+            }
+        }
+    } catch (...) {
+        tell(currentDescription());
+        return false;
+    }
+
+    BusyPointer busy;
+    try {
+        // The old lock goes before the write: a failed write leaves only the target held.
+        if (resource_) {
+            try {
+                resource_->Release();
+            } catch (...) {
+            }
+            resource_.reset();
+        }
+        resource_ = std::move(target);
+        writeToResource();
+        SetDirty(false);
+        labels_.reset();
+        View()->SetTitle(TitleText());
+        updateCommands();
+        return true;
+    } catch (...) {
+        busy.Restore();
+        setStatus(QString());
+        tell(currentDescription());
+        return false;
+    }
+}
+
+bool mvDocument::FileClose(bool prompt) {
     if (closed_)
         return true;
     ProcessState& state = ProcessState::Instance();
     // Keeps this object alive while it takes itself out of the collection.
     std::shared_ptr<mvDocument> self = shared_from_this();
-    dropView();
+    if (View()) {
+        if (prompt && IsDirty()) {
+            const int32_t answer =
+                ask(QStringLiteral("Save changes to ") + DisplayName() + QStringLiteral(" ?"),
+                    MsgBox::YesNoCancel);
+            if (answer == MsgBox::Yes) {
+                // A document that was never saved stays: its caller offers Save As.
+                if (!resource_ || !FileSave())
+                    return false;
+            } else if (answer == MsgBox::No) {
+                if (resource_) {
+                    try {
+                        resource_->Release();
+                    } catch (...) {
+                    }
+                }
+            } else {
+                return false;
+            }
+        }
+        dropView();
+    }
     if (state.Documents)
         state.Documents->Remove(QString::number(documentNumber_));
-    if (state.MainWindow) {
-        state.MainWindow->DocumentCount -= 1;
-        if (state.MainWindow->DocumentCount < 1)
-            state.MainWindow->ShowDocumentPanes(false);
-    }
+    countOut();
     closed_ = true;
     labels_.reset();
     Q_EMIT DocumentClose();

@@ -47,7 +47,20 @@ public:
 
     bool FileNew();
     bool MakeNew(std::shared_ptr<mvResource> resource);
-    // Closes without a question when `prompt` is false.
+    // Opens a path; an item that can't be written opens read only, one locked by someone
+    // else asks first. True when loaded or made new; on false the caller closes it.
+    bool FileOpen(const QString& path, bool readOnly);
+    // Loads a resource: asks about missing and protected items and refuses folders. The
+    // answer No to "does not exist" closes the document.
+    bool OpenResource(std::shared_ptr<mvResource> resource, bool readOnly);
+    // Writes to the document's own resource; the lock stays held.
+    bool FileSave();
+    bool FileSaveAs(const QString& path);
+    // Writes to another resource, with the overwrite questions and the lock moving over
+    // to the target.
+    bool SaveToResource(std::shared_ptr<mvResource> target);
+    // With `prompt`, unsaved changes are asked about first; false keeps the document open.
+    // Without, it closes at once.
     bool FileClose(bool prompt);
     void Activate();
     void EnsureView();
@@ -102,6 +115,11 @@ public:
 
 private:
     void dropView();
+    // The main window's count of open documents holds each document once.
+    void countIn();
+    void countOut();
+    // The editor's text to the resource, with the status line and auto-recover held off.
+    void writeToResource();
 
     int32_t documentNumber_ = 0;
     std::shared_ptr<mvResource> resource_;
@@ -112,5 +130,6 @@ private:
     bool highlight_ = true;
     std::shared_ptr<Application> applicationRef_;
     bool closed_ = false;
+    bool counted_ = false;
     std::optional<LabelList> labels_;
 };

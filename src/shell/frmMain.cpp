@@ -3,20 +3,26 @@
 #include "app/ProcessState.h"
 #include "app/modMain.h"
 #include "documents/DocumentCollection.h"
+#include "documents/modOpen.h"
+#include "documents/modSave.h"
 #include "documents/mvDocument.h"
 #include "editing/frmDocument.h"
 #include "settings/Moriox.h"
 #include "settings/SettingText.h"
 #include "settings/SettingsStore.h"
+#include "support/MsgBoxEx.h"
 #include "support/ShowError.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMimeData>
 #include <QScreen>
 #include <QStatusBar>
+#include <QTimer>
 
 frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -38,6 +44,8 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
         else
             UpdateToolBar();
     });
+    setAcceptDrops(true);
+    addFileShortcuts();
 }
 
 frmMain::~frmMain() = default;
@@ -187,14 +195,108 @@ void frmMain::NewDocument() {
     document->FileNew();
 }
 
+// Opening, saving and closing documents.
+
+void frmMain::OpenDocument() {
+    modOpen::OpenCommand(this);
+}
+
+void frmMain::OpenRecent(int16_t index) {
+    modOpen::OpenRecent(index);
+}
+
+void frmMain::SaveDocument(const std::shared_ptr<mvDocument>& document) {
+    if (!document)
+        return;
+    if (document->DocumentResource())
+        document->FileSave();
+    else
+        SaveDocumentAs(document);
+}
+
+void frmMain::SaveDocumentAs(const std::shared_ptr<mvDocument>& document) {
+    modSave::SaveAsCommand(document, this);
+}
+
+int16_t frmMain::PromptToSave(const std::shared_ptr<mvDocument>& document, const QString& message,
+                              int16_t buttons) {
+    if (!document || !document->IsDirty())
+        return SavedOrClean;
+    const QString text = message.isEmpty() ? QStringLiteral("Save changes to ") +
+                                                 document->DisplayName() + QStringLiteral(" ?")
+                                           : message;
+    const int32_t answer = BrixMessage(text, buttons | MsgBox::Question, this) & ~MsgBox::Ticked;
+    if (answer == MsgBox::Yes || answer == MsgBox::OK) {
+        const bool saved = document->DocumentResource() ? document->FileSave()
+                                                        : modSave::SaveAsCommand(document, this);
+        return saved ? SavedOrClean : Cancelled;
+    }
+    return answer == MsgBox::No ? Declined : Cancelled;
+}
+
+int16_t frmMain::CloseDocument(const std::shared_ptr<mvDocument>& document) {
+    const int16_t choice = PromptToSave(document, QString(), MsgBox::YesNoCancel);
+    if (choice == Cancelled)
+        return Cancelled;
+    // Declined: nothing is to ask again on the way out.
+    if (choice == Declined)
+        document->SetDirty(false);
+    document->FileClose(false);
+    return choice;
+}
+
 bool frmMain::CloseAllDocuments() {
     ProcessState& state = ProcessState::Instance();
     if (!state.Documents)
         return true;
     for (const auto& document : state.Documents->Snapshot())
-        if (!document->FileClose(true))
+        if (CloseDocument(document) == Cancelled)
             return false;
     return true;
+}
+
+void frmMain::dragEnterEvent(QDragEnterEvent* event) {
+    dragMoveEvent(event);
+}
+
+void frmMain::dragMoveEvent(QDragMoveEvent* event) {
+    // Only a list of files, and only copied.
+    if (event->mimeData()->hasUrls() && (event->possibleActions() & Qt::CopyAction)) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void frmMain::dropEvent(QDropEvent* event) {
+    QStringList files;
+    for (const QUrl& url : event->mimeData()->urls())
+        if (url.isLocalFile())
+            files << url.toLocalFile();
+    if (files.isEmpty() || !(event->possibleActions() & Qt::CopyAction)) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    // After the drop has ended, so that the other program isn't held by our questions.
+    QTimer::singleShot(0, this, [files] { modOpen::OpenDroppedFiles(files); });
+}
+
+void frmMain::addFileShortcuts() {
+    auto add = [this](const QKeySequence& keys, auto&& run) {
+        auto* action = new QAction(this);
+        action->setShortcut(keys);
+        action->setShortcutContext(Qt::WindowShortcut);
+        connect(action, &QAction::triggered, this, run);
+        addAction(action);
+    };
+    add(QKeySequence(Qt::CTRL | Qt::Key_N), [this] { NewDocument(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_O), [this] { OpenDocument(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_S), [this] { SaveDocument(ActiveDocument()); });
+    add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S),
+        [this] { SaveDocumentAs(ActiveDocument()); });
 }
 
 void frmMain::UnloadForm() {

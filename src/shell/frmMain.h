@@ -44,7 +44,25 @@ public:
     QString PaneText(int pane) const;
 
     void NewDocument();
+
+    // Opening, saving and closing documents.
+    // What PromptToSave and CloseDocument report.
+    enum PromptChoice : int16_t { Cancelled = 0, SavedOrClean = 1, Declined = 2 };
+    void OpenDocument();
+    // Entry `index` of the recent list, 1 the newest.
+    void OpenRecent(int16_t index);
+    // Save As for a document that was never saved, else its FileSave.
+    void SaveDocument(const std::shared_ptr<mvDocument>& document);
+    void SaveDocumentAs(const std::shared_ptr<mvDocument>& document);
+    // Asks about unsaved changes with the given buttons (MsgBoxEx flags); an empty message
+    // asks "Save changes to <name> ?". A clean document gives SavedOrClean without a word.
+    int16_t PromptToSave(const std::shared_ptr<mvDocument>& document, const QString& message,
+                         int16_t buttons);
+    // Yes, No or Cancel for unsaved changes, then the close; Cancelled leaves it open.
+    int16_t CloseDocument(const std::shared_ptr<mvDocument>& document);
+    // Closes every document in turn; the first Cancel stops the walk and gives false.
     bool CloseAllDocuments();
+
     // Unloads the frame as the program, not the user, asks: nothing is asked.
     void UnloadForm();
     bool IsUnloading() const { return unloading_; }
@@ -53,9 +71,15 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    // Files dropped on the frame open as documents.
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void unload();
+    // Keys for new, open, save and save as until the command table takes them over.
+    void addFileShortcuts();
     // The frame's place and bars from the settings, and back.
     void restoreWindowState();
     void saveWindowState();

@@ -1,14 +1,38 @@
 #include "support/ShowError.h"
 
-#include <QApplication>
+#include "app/ProcessState.h"
+#include "shell/frmMain.h"
+#include "support/MsgBoxEx.h"
+
 #include <QMessageBox>
 
+namespace {
+
+int32_t flagsOf(int icon) {
+    switch (icon) {
+    case QMessageBox::Critical:
+        return MsgBox::Critical;
+    case QMessageBox::Question:
+        return MsgBox::Question;
+    case QMessageBox::Warning:
+        return MsgBox::Exclamation;
+    case QMessageBox::Information:
+        return MsgBox::Information;
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+int32_t BrixMessage(const QString& text, int32_t flags, QWidget* owner) {
+    if (!owner)
+        owner = ProcessState::Instance().MainWindow.data();
+    return MsgBoxEx(text, flags, QStringLiteral("Brix"), QString(), owner);
+}
+
 void ShowMessage(const QString& text, int icon, QWidget* parent) {
-    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
-        return;
-    QMessageBox box(static_cast<QMessageBox::Icon>(icon), QStringLiteral("Brix"), text,
-                    QMessageBox::Ok, parent);
-    box.exec();
+    BrixMessage(text, MsgBox::OKOnly | flagsOf(icon), parent);
 }
 
 void ShowError(const QString& description, QWidget* parent) {

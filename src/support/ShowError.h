@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 
 class QWidget;
 
@@ -10,3 +11,7 @@ void ShowError(const QString& description, QWidget* parent = nullptr);
 
 // The common message box with the program's caption; `icon` is a QMessageBox::Icon.
 void ShowMessage(const QString& text, int icon, QWidget* parent = nullptr);
+
+// A message of the program in the extended box (flags and answers of MsgBoxEx.h), caption
+// "Brix", owned by the main window when there is one. Gives the answer.
+int32_t BrixMessage(const QString& text, int32_t flags, QWidget* owner = nullptr);
