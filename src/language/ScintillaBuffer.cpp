@@ -58,8 +58,9 @@ int32_t ScintillaBuffer::fetchRange(long start, long end) const {
     return count;
 }
 
-void ScintillaBuffer::decodeLine(int32_t byteCount) const {
-    const char* bytes = lineBytes_.data();
+void ScintillaBuffer::decodeLine(int32_t byteCount) const { decodeLine(lineBytes_.data(), byteCount); }
+
+void ScintillaBuffer::decodeLine(const char* bytes, int32_t byteCount) const {
     if (Utf8Columns::IsAscii(bytes, byteCount)) {
         // Widening in place keeps the string's capacity: no allocation per line.
         lineText_.resize(byteCount);
@@ -83,6 +84,8 @@ QString ScintillaBuffer::GetLine(int32_t line) const {
 }
 
 int32_t ScintillaBuffer::GetLineLength(int32_t line) const {
+    if (line == scanLine_)
+        return scanLength_;
     if (line < 0)
         return 0;
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
@@ -107,7 +110,7 @@ int32_t ScintillaBuffer::GetLineData(int32_t line, int32_t word) const {
 
 void ScintillaBuffer::SetLineData(int32_t line, int32_t word, int32_t value) {
     // The component keeps one word per line that moves with its line: word 1.
-    if (word != 1 || line < 0 || line >= NumLines())
+    if (word != 1 || line < 0 || (line != scanLine_ && line >= NumLines()))
         return;
     sci(QsciScintillaBase::SCI_SETLINESTATE, line, value);
 }
@@ -216,15 +219,25 @@ void ScintillaBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t
 }
 
 int ScintillaBuffer::scanInto(int32_t line, std::vector<SourceToken>& tokens) {
-    tokens.clear();
     const int32_t byteCount = fetchLine(line);
-    decodeLine(byteCount);
+    scanBytes(line, lineBytes_.data(), byteCount, tokens);
+    return byteCount;
+}
+
+void ScintillaBuffer::scanBytes(int32_t line, const char* bytes, int32_t byteCount,
+                                std::vector<SourceToken>& tokens) {
+    tokens.clear();
+    decodeLine(bytes, byteCount);
     const auto length = static_cast<int32_t>(lineText_.size());
     if (!lex_) {
         if (length > 0)
             tokens.push_back({TokenKind::Plain, 0, length});
-        return byteCount;
+        return;
     }
+    // The scanner asks for the line's length and stores its flags: both are answered
+    // without going back to the component.
+    scanLine_ = line;
+    scanLength_ = length;
     lex_->ISourceLex4_BeginLineScan(*this, line, QStringView(lineText_), 0);
     SourceToken token;
     // A scanner that stops moving must not hang the editor: no line has more tokens than
@@ -237,7 +250,37 @@ int ScintillaBuffer::scanInto(int32_t line, std::vector<SourceToken>& tokens) {
     }
     bool rescanOthers = false;
     lex_->ISourceLex4_EndLineScan(*this, rescanOthers);
-    return byteCount;
+    scanLine_ = -1;
+}
+
+template <typename Fn> void ScintillaBuffer::forEachLine(int32_t first, int32_t last, Fn&& fn) {
+    const int32_t count = NumLines();
+    first = std::max(first, 0);
+    last = std::min(last, count - 1);
+    if (last < first)
+        return;
+    const long rangeStart = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, first);
+    const long rangeEnd = last + 1 < count
+                              ? sci(QsciScintillaBase::SCI_POSITIONFROMLINE, last + 1)
+                              : sci(QsciScintillaBase::SCI_GETLENGTH);
+    // The lines are read where the component keeps them: one call for the whole range
+    // instead of three a line. Scanning and styling change no text, so the memory stays put.
+    const auto* p = reinterpret_cast<const char*>(
+        sci(QsciScintillaBase::SCI_GETRANGEPOINTER, static_cast<unsigned long>(rangeStart),
+            rangeEnd - rangeStart));
+    if (!p)
+        return;
+    const char* const end = p + (rangeEnd - rangeStart);
+    for (int32_t line = first; line <= last; ++line) {
+        const char* lineEnd = p;
+        while (lineEnd < end && *lineEnd != '\n' && *lineEnd != '\r')
+            ++lineEnd;
+        int32_t eol = 0;
+        if (lineEnd < end)
+            eol = (*lineEnd == '\r' && lineEnd + 1 < end && lineEnd[1] == '\n') ? 2 : 1;
+        fn(line, p, static_cast<int32_t>(lineEnd - p), eol);
+        p = lineEnd + eol;
+    }
 }
 
 std::vector<SourceToken> ScintillaBuffer::ScanLine(int32_t line) {
@@ -248,11 +291,17 @@ std::vector<SourceToken> ScintillaBuffer::ScanLine(int32_t line) {
 }
 
 void ScintillaBuffer::UpdateLines(int32_t first, int32_t last, int32_t& scanTo) {
-    const int32_t count = NumLines();
-    first = std::max(first, 0);
-    last = std::min(std::max(last, scanTo), count - 1);
-    for (int32_t line = first; line <= last; ++line)
-        scanInto(line, tokens_);
+    last = std::min(std::max(last, scanTo), NumLines() - 1);
+    // Each changed flag asks the component to repaint; one repaint at the end will do.
+    QWidget* viewport = editor_.viewport();
+    const bool updates = viewport->updatesEnabled();
+    if (updates && last - first > 64)
+        viewport->setUpdatesEnabled(false);
+    forEachLine(first, last, [&](int32_t line, const char* bytes, int32_t count, int32_t) {
+        scanBytes(line, bytes, count, tokens_);
+    });
+    if (updates && !viewport->updatesEnabled())
+        viewport->setUpdatesEnabled(true);
     scanTo = last;
 }
 
@@ -272,21 +321,20 @@ int ScintillaBuffer::StyleOfKind(int32_t kind) {
 }
 
 void ScintillaBuffer::StyleLines(int32_t first, int32_t last) {
-    const int32_t count = NumLines();
     first = std::max(first, 0);
-    last = std::min(last, count - 1);
-    for (int32_t line = first; line <= last; ++line) {
-        const int32_t byteCount = scanInto(line, tokens_);
-        const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
-        const long next = line + 1 < count ? sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line + 1)
-                                           : sci(QsciScintillaBase::SCI_GETLENGTH);
-        const auto total = static_cast<size_t>(next - start);
-        styleBytes_.assign(total, static_cast<char>(kDefaultStyle));
+    last = std::min(last, NumLines() - 1);
+    if (last < first)
+        return;
+    styleBytes_.clear();
+    forEachLine(first, last, [&](int32_t line, const char* bytes, int32_t byteCount, int32_t eol) {
+        scanBytes(line, bytes, byteCount, tokens_);
+        const size_t lineStart = styleBytes_.size();
+        styleBytes_.append(static_cast<size_t>(byteCount + eol), static_cast<char>(kDefaultStyle));
+        char* styles = styleBytes_.data() + lineStart;
         const bool ascii = lineText_.size() == byteCount;
         // Token offsets count code units; styles count bytes. Walk both in step.
         int32_t unit = 0;
         int32_t byte = 0;
-        const char* bytes = lineBytes_.data();
         auto advanceTo = [&](int32_t targetUnit) {
             if (ascii) {
                 byte = std::min(targetUnit, byteCount);
@@ -304,13 +352,13 @@ void ScintillaBuffer::StyleLines(int32_t first, int32_t last) {
             advanceTo(token.Start);
             const int32_t from = byte;
             advanceTo(token.Start + token.Length);
-            std::fill(styleBytes_.begin() + from, styleBytes_.begin() + byte,
-                      static_cast<char>(StyleOfKind(token.Kind)));
+            std::fill(styles + from, styles + byte, static_cast<char>(StyleOfKind(token.Kind)));
         }
-        sci(QsciScintillaBase::SCI_STARTSTYLING, static_cast<unsigned long>(start), 0xff);
-        editor_.SendScintilla(QsciScintillaBase::SCI_SETSTYLINGEX, static_cast<unsigned long>(total),
-                              styleBytes_.data());
-    }
+    });
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, first);
+    sci(QsciScintillaBase::SCI_STARTSTYLING, static_cast<unsigned long>(start), 0xff);
+    editor_.SendScintilla(QsciScintillaBase::SCI_SETSTYLINGEX,
+                          static_cast<unsigned long>(styleBytes_.size()), styleBytes_.data());
 }
 
 void ScintillaBuffer::InvalidateStyles(int32_t fromLine) {

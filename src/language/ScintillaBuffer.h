@@ -81,6 +81,12 @@ private:
     int32_t fetchRange(long start, long end) const;
     // Makes lineText_ the UTF-16 text of lineBytes_.
     void decodeLine(int32_t byteCount) const;
+    void decodeLine(const char* bytes, int32_t byteCount) const;
+    // Runs the scanner over one line's bytes.
+    void scanBytes(int32_t line, const char* bytes, int32_t byteCount,
+                   std::vector<SourceToken>& tokens);
+    // Calls fn(line, bytes, byteCount, lineEndLength) for each line of a range.
+    template <typename Fn> void forEachLine(int32_t first, int32_t last, Fn&& fn);
     int32_t clampLine(int32_t line) const;
     // Position of a column of the line that starts at `start`.
     long offsetInLine(long start, int32_t line, int32_t column) const;
@@ -109,4 +115,7 @@ private:
     mutable QString lineText_;
     std::vector<SourceToken> tokens_;
     std::string styleBytes_;
+    // The line being scanned, and its length, while the scanner runs.
+    int32_t scanLine_ = -1;
+    int32_t scanLength_ = 0;
 };
