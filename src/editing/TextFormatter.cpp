@@ -37,14 +37,7 @@ TextFormatter::TextFormatter(const Moriox& settings)
 TextFormatter::~TextFormatter() = default;
 
 std::shared_ptr<clsKeywords> TextFormatter::KeywordsOf(const Moriox& settings) {
-    auto table = std::make_shared<clsKeywords>();
-    table->SetCaseSensitive(settings.CaseSensitiveKeywords);
-    // An empty language list keeps the built-in one; the user list is taken as it stands.
-    if (!settings.LanguageKeywordsText.isEmpty())
-        table->SetKeywordList(clsKeyword::TypeLanguage, QStringLiteral(" "),
-                              settings.LanguageKeywordsText);
-    table->SetKeywordList(clsKeyword::TypeUser, QStringLiteral(" "), settings.UserKeywordsText);
-    return table;
+    return settings.Keywords;
 }
 
 QString TextFormatter::Decode(QByteArrayView line, bool& bytewise) {

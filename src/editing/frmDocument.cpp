@@ -44,10 +44,11 @@ void frmDocument::Load() {
     lex_ = std::make_shared<LexClass>();
     draw_ = std::make_shared<DrawClass>(*txtText_);
     txtText_->Gutter().SetDrawHook(draw_);
-    // The document's own switch, which starts as the setting. The lexer keeps the default
-    // keyword table it was made with until the settings hold the shared one.
+    // The document's own switch, which starts as the setting, and the one keyword table of
+    // the settings, so that an edited list reaches every open document.
     const auto document = viewObject_.lock();
     lex_->Highlight = document ? document->Highlight() : Settings().Highlight;
+    lex_->Keywords = Settings().Keywords;
     txtText_->Buffer().SetLex(lex_);
     ApplySettings();
 

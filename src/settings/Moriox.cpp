@@ -1,5 +1,7 @@
 #include "settings/Moriox.h"
 
+#include "language/clsKeyword.h"
+#include "language/clsKeywords.h"
 #include "settings/LegacySettings.h"
 #include "settings/SettingText.h"
 #include "settings/SettingsStore.h"
@@ -155,31 +157,36 @@ void copyFields(Moriox& target, const Moriox& source) {
 // as it stands.
 void loadKeywords(Moriox& target, const Reader& read) {
     tolerate([&] {
-        if (const auto value = SettingText::ParseBoolean(
-                read(QStringLiteral("CaseSensitiveKeywords"), QStringLiteral("False"))))
-            target.CaseSensitiveKeywords = *value;
+        target.Keywords->SetCaseSensitive(
+            SettingText::ParseBoolean(read(QStringLiteral("CaseSensitiveKeywords"),
+                                           QStringLiteral("False")))
+                .value_or(false));
     });
     tolerate([&] {
         const QString language = read(QStringLiteral("LanguageKeywords"), QString());
         if (!language.isEmpty())
-            target.LanguageKeywordsText = language;
+            target.Keywords->SetKeywordList(clsKeyword::TypeLanguage, QStringLiteral(" "),
+                                            language);
     });
-    tolerate([&] { target.UserKeywordsText = read(QStringLiteral("UserKeywords"), QString()); });
+    tolerate([&] {
+        target.Keywords->SetKeywordList(clsKeyword::TypeUser, QStringLiteral(" "),
+                                        read(QStringLiteral("UserKeywords"), QString()));
+    });
 }
 
 void saveKeywords(const Moriox& source) {
-    tolerate([&] { write(QStringLiteral("LanguageKeywords"), source.LanguageKeywordsText); });
-    tolerate([&] { write(QStringLiteral("UserKeywords"), source.UserKeywordsText); });
+    tolerate([&] {
+        write(QStringLiteral("LanguageKeywords"),
+              source.Keywords->GetKeywordList(clsKeyword::TypeLanguage, QStringLiteral(" ")));
+    });
+    tolerate([&] {
+        write(QStringLiteral("UserKeywords"),
+              source.Keywords->GetKeywordList(clsKeyword::TypeUser, QStringLiteral(" ")));
+    });
     tolerate([&] {
         write(QStringLiteral("CaseSensitiveKeywords"),
-              SettingText::FromBoolean(source.CaseSensitiveKeywords));
+              SettingText::FromBoolean(source.Keywords->CaseSensitive()));
     });
-}
-
-void copyKeywords(Moriox& target, const Moriox& source) {
-    target.LanguageKeywordsText = source.LanguageKeywordsText;
-    target.UserKeywordsText = source.UserKeywordsText;
-    target.CaseSensitiveKeywords = source.CaseSensitiveKeywords;
 }
 
 QString recentFileKey(int index) {
@@ -230,7 +237,8 @@ void copyRecentList(clsRecentList& target, const clsRecentList& source) {
 
 } // namespace
 
-Moriox::Moriox() : RecentList(std::make_unique<clsRecentList>()) {}
+Moriox::Moriox()
+    : Keywords(std::make_shared<clsKeywords>()), RecentList(std::make_unique<clsRecentList>()) {}
 
 Moriox::~Moriox() = default;
 
@@ -292,7 +300,7 @@ void Moriox::migrate() {
 std::unique_ptr<Moriox> Moriox::Clone() const {
     auto copy = std::make_unique<Moriox>();
     copyFields(*copy, *this);
-    copyKeywords(*copy, *this);
+    copy->Keywords = Keywords->Clone();
     copyRecentList(*copy->RecentList, *RecentList);
     return copy;
 }
@@ -301,7 +309,8 @@ void Moriox::UpdateFrom(const Moriox& source) {
     if (&source == this)
         return;
     copyFields(*this, source);
-    copyKeywords(*this, source);
+    // Lexers hold this table: it is changed in place, never replaced.
+    Keywords->UpdateFrom(*source.Keywords);
     copyRecentList(*RecentList, *source.RecentList);
 }
 
@@ -309,9 +318,12 @@ bool Moriox::operator==(const Moriox& other) const {
     for (const Field& field : Fields)
         if (fieldText(*this, field) != fieldText(other, field))
             return false;
-    if (LanguageKeywordsText != other.LanguageKeywordsText ||
-        UserKeywordsText != other.UserKeywordsText ||
-        CaseSensitiveKeywords != other.CaseSensitiveKeywords ||
+    const auto list = [](const Moriox& m, int32_t type) {
+        return m.Keywords->GetKeywordList(type, QStringLiteral(" "));
+    };
+    if (list(*this, clsKeyword::TypeLanguage) != list(other, clsKeyword::TypeLanguage) ||
+        list(*this, clsKeyword::TypeUser) != list(other, clsKeyword::TypeUser) ||
+        Keywords->CaseSensitive() != other.Keywords->CaseSensitive() ||
         RecentList->ListSize() != other.RecentList->ListSize() ||
         RecentList->ListCount() != other.RecentList->ListCount())
         return false;

@@ -11,6 +11,8 @@
 // subsystem; the defaults are those a fresh machine starts with. All of it is kept in the
 // settings store under Section(); the settings dialog edits a Clone and merges it back with
 // UpdateFrom, and what it merged reaches the store at shutdown.
+class clsKeywords;
+
 class Moriox {
 public:
     Moriox();
@@ -42,11 +44,8 @@ public:
     int16_t IndentBang = 0;
     QString CompileCommand = QStringLiteral("BASIC");
     QString CompileOptions;
-    // The keyword lists as stored: the language words and the user's words, each separated
-    // by one blank. An empty language list means the built-in one.
-    QString LanguageKeywordsText;
-    QString UserKeywordsText;
-    bool CaseSensitiveKeywords = false;
+    // The keyword table; its identity stays for the whole run, since lexers share it.
+    std::shared_ptr<clsKeywords> Keywords;
     bool RecordLocking = true;
     bool ColorPrinting = false;
     bool NoGotoDialog = false;

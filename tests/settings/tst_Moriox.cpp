@@ -2,6 +2,8 @@
 #include "TestEnv.h"
 
 #include "settings/IniProfile.h"
+#include "language/clsKeyword.h"
+#include "language/clsKeywords.h"
 #include "settings/Moriox.h"
 #include "settings/SettingText.h"
 #include "settings/SettingsStore.h"
@@ -56,7 +58,9 @@ QString member(const Moriox& m, const QString& name) {
         {QStringLiteral("CompileOptions"), [](const Moriox& s) { return s.CompileOptions; }},
         {QStringLiteral("ResultsFontName"), [](const Moriox& s) { return s.ResultsFontName; }},
         {QStringLiteral("LanguageKeywords"),
-         [](const Moriox& s) { return s.LanguageKeywordsText; }},
+         [](const Moriox& s) {
+             return s.Keywords->GetKeywordList(clsKeyword::TypeLanguage, QStringLiteral(" "));
+         }},
         {QStringLiteral("Recent"),
          [](const Moriox& s) { return recentItems(s).join(QLatin1Char('|')); }},
     };
@@ -89,9 +93,11 @@ void fillOddly(Moriox& m) {
     m.IndentBang = 1;
     m.CompileCommand = QStringLiteral("\"BASIC\"");
     m.CompileOptions = QStringLiteral("  -I 'x' ");
-    m.LanguageKeywordsText = QStringLiteral("CASE END IF");
-    m.UserKeywordsText = QStringLiteral("MY.SUB Grüße");
-    m.CaseSensitiveKeywords = true;
+    m.Keywords->SetKeywordList(clsKeyword::TypeLanguage, QStringLiteral(" "),
+                               QStringLiteral("CASE END IF"));
+    m.Keywords->SetKeywordList(clsKeyword::TypeUser, QStringLiteral(" "),
+                               QStringLiteral("MY.SUB Grüße"));
+    m.Keywords->SetCaseSensitive(true);
     m.RecordLocking = false;
     m.ColorPrinting = true;
     m.NoGotoDialog = true;
@@ -365,8 +371,9 @@ private Q_SLOTS:
         QVERIFY(!settings.MinMaxClose);
         QVERIFY(!settings.ColorPrinting);
         QCOMPARE(settings.ResultsFontName, QStringLiteral("Arial"));
-        QVERIFY(settings.CaseSensitiveKeywords);
-        QCOMPARE(settings.UserKeywordsText, QStringLiteral("FOO BAR"));
+        QVERIFY(settings.Keywords->CaseSensitive());
+        QCOMPARE(settings.Keywords->GetKeywordList(clsKeyword::TypeUser, QStringLiteral(" ")),
+                 QStringLiteral("FOO BAR"));
         QCOMPARE(recentItems(settings), QStringList({"b", "a"}));
 
         const QStringList expected = {"MainState=2", "MainLeft=300", "MainHeight=-9999",
