@@ -12,6 +12,9 @@ export XDG_CACHE_HOME="$HOME/.cache" XDG_STATE_HOME="$HOME/.local/state"
 export XDG_RUNTIME_DIR="$SANDBOX/runtime"
 mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_STATE_HOME"
 mkdir -m 0700 -p "$XDG_RUNTIME_DIR"
+# Temporary files of the tests, also of children a test kills, go with the sandbox.
+export TMPDIR="$SANDBOX/tmp"
+mkdir -p "$TMPDIR"
 export QT_QPA_PLATFORM=offscreen
 export ASAN_OPTIONS="detect_leaks=1:abort_on_error=0:strict_string_checks=0"
 export LSAN_OPTIONS="suppressions=$ROOT/tests/lsan.supp:print_suppressions=0"
