@@ -52,6 +52,9 @@ public:
 
     bool ShutdownStarted = false;
 
+    // The word last found under the mouse or caret by a document window.
+    QString ContextWord;
+
     void ComputeMarkStrings();
 
 private:

@@ -2,6 +2,7 @@
 
 #include "app/ProcessState.h"
 #include "documents/mvDocument.h"
+#include "editing/WordKind.h"
 #include "language/BufferLexer.h"
 #include "language/DrawClass.h"
 #include "language/LexClass.h"
@@ -12,7 +13,11 @@
 #include "shell/frmMain.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMdiArea>
+#include <QMouseEvent>
+#include <QTimer>
+#include <algorithm>
 
 frmDocument::frmDocument(frmMain* frame)
     : frmDocument(frame, Qt::SubWindow | Qt::CustomizeWindowHint | Qt::WindowTitleHint) {}
@@ -22,6 +27,9 @@ frmDocument::frmDocument(frmMain* frame, Qt::WindowFlags flags)
     txtText_ = new SourceView(this);
     setWidget(txtText_);
     setAttribute(Qt::WA_DeleteOnClose, false);
+    focusTimer_ = new QTimer(this);
+    focusTimer_->setSingleShot(true);
+    connect(focusTimer_, &QTimer::timeout, this, &frmDocument::focusIfActive);
     if (frame_)
         frame_->MdiArea()->addSubWindow(this, flags);
 }
@@ -56,7 +64,18 @@ void frmDocument::Load() {
     if (frame_)
         frame_->ShowDocumentPanes(true);
 
-    connect(txtText_, &QsciScintilla::cursorPositionChanged, this, [this] { showCaret(); });
+    connect(txtText_, &QsciScintilla::cursorPositionChanged, this, [this] {
+        showCaret();
+        checkSelection();
+    });
+    connect(txtText_, &QsciScintilla::selectionChanged, this, &frmDocument::checkSelection);
+    connect(&txtText_->Gutter(), &LineNumberGutter::LinePressed, this, &frmDocument::marginPressed);
+    connect(txtText_, &SourceView::ContextMenuRequested, this, [this](const QPoint& globalPos) {
+        const QPoint at = txtText_->viewport()->mapFromGlobal(globalPos);
+        Q_EMIT ContextMenuRequested(WordKindAt(at.x(), at.y()), globalPos);
+    });
+    txtText_->installEventFilter(this);
+    txtText_->viewport()->installEventFilter(this);
     connect(&txtText_->Buffer(), &ScintillaBuffer::ModifiedChanged, this, [this] {
         if (frame_)
             frame_->UpdateToolBar();
@@ -90,18 +109,157 @@ void frmDocument::Activate() {
 void frmDocument::OnActivated() {
     if (!frame_)
         return;
+    ProcessState::Instance().ContextWord.clear();
     frame_->UpdateToolBar();
     showCaret();
     showInsertMode();
-    if (WindowState() == Maximized)
+    if (WindowState() == Maximized) {
         txtText_->setFocus();
+        // The frame may not be the active window yet; try again shortly.
+        if (!txtText_->hasFocus())
+            focusTimer_->start(50);
+    }
+}
+
+void frmDocument::focusIfActive() {
+    if (frame_ && frame_->MdiArea()->activeSubWindow() == this)
+        txtText_->setFocus();
+}
+
+void frmDocument::checkSelection() {
+    const bool selection = txtText_->HasSelection();
+    if (selection == selectionShown_)
+        return;
+    selectionShown_ = selection;
+    if (frame_)
+        frame_->UpdateToolBar();
+}
+
+bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == txtText_) {
+        switch (event->type()) {
+        case QEvent::ShortcutOverride:
+        case QEvent::KeyPress: {
+            auto* key = static_cast<QKeyEvent*>(event);
+            if (event->type() == QEvent::ShortcutOverride) {
+                // Ours before the frame's shortcuts; the press itself then comes here.
+                if (keyPress(key, false))
+                    event->accept();
+                return false;
+            }
+            return keyPress(key, true);
+        }
+        case QEvent::KeyRelease: {
+            const auto* key = static_cast<QKeyEvent*>(event);
+            if (key->key() == Qt::Key_Insert && key->modifiers() == Qt::NoModifier)
+                showInsertMode();
+            checkSelection();
+            return false;
+        }
+        default:
+            return false;
+        }
+    }
+    if (watched == txtText_->viewport()) {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            ProcessState::Instance().ContextWord.clear();
+            doubleClicked_ = false;
+            return false;
+        case QEvent::MouseButtonDblClick:
+            doubleClicked_ = true;
+            return false;
+        case QEvent::MouseButtonRelease:
+            mouseRelease(static_cast<QMouseEvent*>(event));
+            return false;
+        default:
+            return false;
+        }
+    }
+    return QMdiSubWindow::eventFilter(watched, event);
+}
+
+bool frmDocument::keyPress(QKeyEvent* event, bool act) {
+    const Qt::KeyboardModifiers modifiers =
+        event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+    const int key = event->key();
+    if (key == Qt::Key_Delete && modifiers == Qt::ShiftModifier) {
+        if (act)
+            txtText_->Cut();
+        return true;
+    }
+    if (key == Qt::Key_Insert && modifiers == Qt::ControlModifier) {
+        if (act)
+            txtText_->Copy();
+        return true;
+    }
+    if (key == Qt::Key_Insert && modifiers == Qt::ShiftModifier) {
+        if (act)
+            txtText_->Paste();
+        return true;
+    }
+    // Ctrl+] and Ctrl+\ type codes 29 and 28: the value and subvalue marks.
+    if (modifiers == Qt::ControlModifier &&
+        (key == Qt::Key_BracketRight || key == Qt::Key_Backslash)) {
+        if (auto document = act ? viewObject_.lock() : nullptr) {
+            if (key == Qt::Key_BracketRight)
+                document->InsValue();
+            else
+                document->InsSubValue();
+        }
+        return true;
+    }
+    return false;
+}
+
+void frmDocument::mouseRelease(QMouseEvent* event) {
+    if (doubleClicked_) {
+        doubleClicked_ = false;
+        const int16_t kind = WordKindAt(lastMouse_.x(), lastMouse_.y());
+        if (auto document = viewObject_.lock()) {
+            if (kind == WordKind::GotoTarget)
+                Q_EMIT GotoRequested(document);
+            else if (kind == WordKind::CallName || kind == WordKind::IncludeItem)
+                Q_EMIT OpenRequested(document);
+        }
+    }
+    if (event->button() == Qt::LeftButton) {
+        lastMouse_ = event->position().toPoint();
+        if (frame_)
+            frame_->UpdateToolBar();
+    }
+}
+
+void frmDocument::marginPressed(int32_t line, Qt::KeyboardModifiers modifiers) {
+    if (modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return;
+    if (!(modifiers & Qt::ShiftModifier))
+        anchorLine_ = line;
+    txtText_->SetSelection(0, std::min(anchorLine_, line), 32767, std::max(anchorLine_, line));
+}
+
+int16_t frmDocument::WordKindAt(int x, int y) {
+    int32_t column = 0;
+    int32_t line = 0;
+    txtText_->PointToPosition(x, y, column, line);
+    if (line < 0 || line >= txtText_->Buffer().NumLines())
+        return WordKind::Nothing;
+    const std::vector<SourceToken> tokens = txtText_->Buffer().ScanLine(line);
+    return WordKind::Classify(txtText_->Buffer().GetLine(line), tokens, column,
+                              ProcessState::Instance().ContextWord);
 }
 
 void frmDocument::Show() {
     switch (lastWindowState_) {
-    case Maximized: showMaximized(); break;
-    case Minimized: showMinimized(); break;
-    default: showNormal(); break;
+    case Maximized:
+        showMaximized();
+        break;
+    case Minimized:
+        showMinimized();
+        break;
+    default:
+        showNormal();
+        break;
     }
 }
 
@@ -193,7 +351,8 @@ void frmDocument::showCaret() {
 
 void frmDocument::showInsertMode() {
     if (frame_)
-        frame_->SetPaneText(3, txtText_->OvertypeMode() ? QStringLiteral("Ovr") : QStringLiteral("Ins"));
+        frame_->SetPaneText(3, txtText_->OvertypeMode() ? QStringLiteral("Ovr")
+                                                        : QStringLiteral("Ins"));
 }
 
 void frmDocument::SetVisible(bool visible) {

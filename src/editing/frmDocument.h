@@ -4,8 +4,11 @@
 #include "language/TokenStyleTable.h"
 
 #include <QMdiSubWindow>
+#include <QPoint>
 #include <QPointer>
 #include <memory>
+
+class QTimer;
 
 class DrawClass;
 class LexClass;
@@ -48,10 +51,23 @@ public:
     QWidget* Widget() override { return this; }
     void HighlightChanged(bool highlight) override;
 
+    // What stands under a point of the text area (a WordKind kind); the word found goes to
+    // the process's ContextWord.
+    int16_t WordKindAt(int x, int y);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
     std::shared_ptr<LexClass> Lex() const { return lex_; }
     std::shared_ptr<DrawClass> Draw() const { return draw_; }
     // The token styles the printing draws with.
     const TokenStyleTable& PrintStyles() const { return printStyles_; }
+
+Q_SIGNALS:
+    // A double-click on a word to go to (kind 1) or to open (kinds 2 and 3).
+    void GotoRequested(const std::shared_ptr<mvDocument>& document);
+    void OpenRequested(const std::shared_ptr<mvDocument>& document);
+    // A right-click, with the kind of the word under it.
+    void ContextMenuRequested(int16_t kind, const QPoint& globalPos);
 
 protected:
     frmDocument(frmMain* frame, Qt::WindowFlags flags);
@@ -61,6 +77,13 @@ protected:
 private:
     void showCaret();
     void showInsertMode();
+    // Tells the frame when the selection comes or goes.
+    void checkSelection();
+    // True for the keys this window takes; `act` carries them out.
+    bool keyPress(QKeyEvent* event, bool act);
+    void mouseRelease(QMouseEvent* event);
+    void marginPressed(int32_t line, Qt::KeyboardModifiers modifiers);
+    void focusIfActive();
 
     QPointer<frmMain> frame_;
     SourceView* txtText_ = nullptr;
@@ -74,4 +97,10 @@ private:
     bool autoSaveFlag_ = false;
     int16_t lastWindowState_ = Normal;
     bool unloading_ = false;
+    bool doubleClicked_ = false;
+    QPoint lastMouse_;
+    int32_t anchorLine_ = 0;
+    bool selectionShown_ = false;
+    // One-shot retry of the focus when the window could not take it at activation.
+    QTimer* focusTimer_ = nullptr;
 };

@@ -16,3 +16,5 @@ void modAutoRecover::ResumeAutoRecover(int32_t) {
 int32_t modAutoRecover::Suspensions() {
     return suspensions;
 }
+
+void modAutoRecover::AutoRecoverPass() {}

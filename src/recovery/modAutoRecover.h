@@ -13,6 +13,9 @@ public:
     // Suspensions begun and not yet resumed.
     static int32_t Suspensions();
 
+    // The timed pass that writes recovery copies of changed documents.
+    static void AutoRecoverPass();
+
     // Suspends for its lifetime, so that every ending path resumes.
     class Suspension {
     public:

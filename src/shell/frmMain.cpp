@@ -3,13 +3,25 @@
 #include "app/ProcessState.h"
 #include "app/modMain.h"
 #include "documents/DocumentCollection.h"
+#include "documents/clsDocView.h"
 #include "documents/modOpen.h"
 #include "documents/modSave.h"
+#include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
+#include "documents/mvResource.h"
 #include "editing/frmDocument.h"
+#include "language/SourceView.h"
+#include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "settings/SettingText.h"
 #include "settings/SettingsStore.h"
+#include "settings/clsRecentList.h"
+#include "shell/CommandBar.h"
+#include "shell/CommandDispatcher.h"
+#include "shell/CommandState.h"
+#include "shell/CommandTable.h"
+#include "shell/DocumentTabs.h"
+#include "shell/KeyboardFilter.h"
 #include "support/MsgBoxEx.h"
 #include "support/ShowError.h"
 
@@ -23,6 +35,7 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
+#include <QToolBar>
 
 frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -30,13 +43,8 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     mdiArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     mdiArea_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(mdiArea_);
-    for (int i = 1; i <= 3; ++i) {
-        panes_[static_cast<size_t>(i)] = new QLabel(this);
-        if (i == 1)
-            statusBar()->addWidget(panes_[1], 1);
-        else
-            statusBar()->addPermanentWidget(panes_[static_cast<size_t>(i)]);
-    }
+    buildBars();
+    buildTimers();
     connect(mdiArea_, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* window) {
         SetTitle(title_);
         if (auto* document = qobject_cast<frmDocument*>(window))
@@ -45,7 +53,26 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
             UpdateToolBar();
     });
     setAcceptDrops(true);
-    addFileShortcuts();
+}
+
+void frmMain::buildBars() {
+    bar_ = new CommandBar(*this);
+    CommandTable::Build(*bar_);
+    dispatcher_ = std::make_unique<CommandDispatcher>(*this);
+    connect(bar_, &CommandBar::ToolClicked, this,
+            [this](CommandTool* tool) { dispatcher_->Dispatch(*tool); });
+    connect(bar_, &CommandBar::MenuAboutToShow, this, [this](const QString& key) {
+        if (key.compare(QLatin1String("File"), Qt::CaseInsensitive) == 0)
+            RebuildFileMenu();
+        else if (key.compare(QLatin1String("Window"), Qt::CaseInsensitive) == 0)
+            RebuildWindowMenu();
+    });
+    addToolBarBreak(Qt::TopToolBarArea);
+    auto* tabBand = new QToolBar(QStringLiteral("Document list"), this);
+    tabBand->setObjectName(QStringLiteral("Taskbar"));
+    tabBand->setMovable(false);
+    addToolBar(Qt::TopToolBarArea, tabBand);
+    tabs_ = new DocumentTabs(*mdiArea_, *bar_, *tabBand);
 }
 
 frmMain::~frmMain() = default;
@@ -83,8 +110,72 @@ void frmMain::Load() {
         ShowError(QString::fromLocal8Bit(error.what()), this);
     }
     ShowDocumentPanes(false);
+    if (!filterInstalled_) {
+        KeyboardFilter::Install(*this);
+        filterInstalled_ = true;
+    }
     DocumentCount = 0;
     UpdateToolBar();
+}
+
+void frmMain::buildTimers() {
+    autoSaveTimer_ = new QTimer(this);
+    autoSaveTimer_->setInterval(60000);
+    connect(autoSaveTimer_, &QTimer::timeout, this, &frmMain::autoSaveTick);
+    autoSaveTimer_->start();
+    stuckFocusTimer_ = new QTimer(this);
+    stuckFocusTimer_->setSingleShot(true);
+    connect(stuckFocusTimer_, &QTimer::timeout, this, &frmMain::stuckFocusTick);
+    shutdownTimer_ = new QTimer(this);
+    shutdownTimer_->setInterval(50);
+    connect(shutdownTimer_, &QTimer::timeout, this, &frmMain::UnloadForm);
+}
+
+void frmMain::autoSaveTick() {
+    const Moriox* settings = ProcessState::Instance().Settings.get();
+    // With auto-recover off the count stands still.
+    if (!settings || !settings->AutoRecover)
+        return;
+    if (++AutoSaveTicks >= 5) {
+        AutoSaveTicks = 0;
+        modAutoRecover::AutoRecoverPass();
+    }
+}
+
+void frmMain::stuckFocusTick() {
+    // The keyboard never rests on the frame while a document is open.
+    const QWidget* focus = QApplication::focusWidget();
+    frmDocument* child = ActiveDocumentWindow();
+    if (child && (!focus || focus == this || focus == mdiArea_ || focus == child))
+        child->txtText()->setFocus();
+}
+
+void frmMain::StartShutdownTimer() {
+    shutdownTimer_->start();
+}
+
+void frmMain::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange)
+        return;
+    AppActive = isActiveWindow();
+    if (AppActive) {
+        UpdateToolBar();
+        stuckFocusTimer_->start(100);
+    }
+}
+
+void frmMain::NextDocument(bool previous) {
+    const QMdiSubWindow* before = mdiArea_->activeSubWindow();
+    auto step = [this, previous] {
+        if (previous)
+            mdiArea_->activatePreviousSubWindow();
+        else
+            mdiArea_->activateNextSubWindow();
+    };
+    step();
+    if (mdiArea_->activeSubWindow() == before)
+        step();
 }
 
 void frmMain::restoreWindowState() {
@@ -114,8 +205,15 @@ void frmMain::restoreWindowState() {
                    : state == 1 ? Qt::WindowMinimized
                                 : Qt::WindowNoState);
 
-    statusBar()->setVisible(readWindowFlag(QStringLiteral("StatusbarVisible")));
-    toolbarVisible_ = readWindowFlag(QStringLiteral("ToolbarVisible"));
+    const bool statusVisible = readWindowFlag(QStringLiteral("StatusbarVisible"));
+    bar_->Tool(QStringLiteral("View"), QStringLiteral("ViewStatusbar"))->SetChecked(statusVisible);
+    bar_->StatusBarWidget()->setVisible(statusVisible);
+    const bool toolVisible = readWindowFlag(QStringLiteral("ToolbarVisible"));
+    bar_->Tool(QStringLiteral("View"), QStringLiteral("ViewToolbar"))->SetChecked(toolVisible);
+    bar_->ToolBarWidget()->setVisible(toolVisible);
+    const Moriox* settings = ProcessState::Instance().Settings.get();
+    const int iconSize = settings && settings->LargeToolbarIcons ? 32 : 16;
+    bar_->ToolBarWidget()->setIconSize(QSize(iconSize, iconSize));
 }
 
 void frmMain::saveWindowState() {
@@ -129,7 +227,8 @@ void frmMain::saveWindowState() {
     writeWindowSetting(QStringLiteral("MainTop"), QString::number(savedRect_.Top));
     writeWindowSetting(QStringLiteral("MainWidth"), QString::number(savedRect_.Width));
     writeWindowSetting(QStringLiteral("MainHeight"), QString::number(savedRect_.Height));
-    writeWindowSetting(QStringLiteral("ToolbarVisible"), SettingText::FromBoolean(toolbarVisible_));
+    writeWindowSetting(QStringLiteral("ToolbarVisible"),
+                       SettingText::FromBoolean(bar_->ToolBarWidget()->isVisibleTo(this)));
     writeWindowSetting(QStringLiteral("StatusbarVisible"),
                        SettingText::FromBoolean(statusBar()->isVisibleTo(this)));
 }
@@ -173,21 +272,73 @@ std::shared_ptr<mvDocument> frmMain::ActiveDocument() const {
 }
 
 void frmMain::UpdateToolBar() {
-    // The command bars arrive with the command table; nothing to refresh yet.
+    try {
+        CommandState::Apply(*bar_, CommandState::Read(ActiveDocument(), DocumentCount));
+    } catch (const std::exception& error) {
+        ShowError(QString::fromLocal8Bit(error.what()), this);
+    }
+}
+
+void frmMain::RebuildFileMenu() {
+    CommandBand* menu = bar_->Band(QStringLiteral("File"));
+    menu->RemoveTools(QStringLiteral("file_"));
+    const ProcessState& state = ProcessState::Instance();
+    const clsRecentList* recent = state.Settings ? state.Settings->RecentList.get() : nullptr;
+    if (!recent)
+        return;
+    for (int16_t i = 1; i <= recent->ListCount(); ++i) {
+        const QString path = recent->ListItem(i);
+        QString name = path;
+        try {
+            if (auto resource = mvConnection::Instance().GetResource(path, true, false))
+                name = resource->DisplayID();
+        } catch (const std::exception&) {
+            // A path the host service can't read is shown as it stands.
+        }
+        CommandTool* tool =
+            menu->AddTool(QStringLiteral("file_") + QString::number(i),
+                          QStringLiteral("&") + QString::number(i) + QStringLiteral(" ") + name,
+                          CommandTool::Type::Check, i == 1, QStringLiteral("Exit"));
+        tool->SetChecked(false);
+    }
+}
+
+void frmMain::RebuildWindowMenu() {
+    CommandBand* menu = bar_->Band(QStringLiteral("Window"));
+    menu->RemoveTools(QStringLiteral("miWList"));
+    const ProcessState& state = ProcessState::Instance();
+    const int count = state.Documents ? state.Documents->Count() : 0;
+    QMdiSubWindow* active = mdiArea_->activeSubWindow();
+    for (int i = 1; i <= count; ++i) {
+        const auto document = state.Documents->At(i - 1);
+        CommandTool* tool = menu->AddTool(QStringLiteral("miWList") + QString::number(i),
+                                          QStringLiteral("&") + QString::number(i) +
+                                              QStringLiteral(" ") + document->DisplayName(),
+                                          CommandTool::Type::Check, i == 1);
+        const clsDocView* view = document->View();
+        tool->SetChecked(view && view == DocumentTabs::FindViewByWindow(active));
+    }
+    CommandTool* maximize = menu->Tool(QStringLiteral("Maximize"));
+    maximize->SetEnabled(count > 0);
+    maximize->SetChecked(count > 0 && active && active->isMaximized());
 }
 
 void frmMain::ShowDocumentPanes(bool visible) {
-    panes_[2]->setVisible(visible);
-    panes_[3]->setVisible(visible);
+    CommandBand* status = bar_->Band(QStringLiteral("StatusBar"));
+    status->Panel(QStringLiteral("Panel2"))->setVisible(visible);
+    status->Panel(QStringLiteral("Panel3"))->setVisible(visible);
 }
 
 void frmMain::SetPaneText(int pane, const QString& text) {
-    if (pane >= 1 && pane <= 3)
-        panes_[static_cast<size_t>(pane)]->setText(text);
+    if (QLabel* panel = bar_->Band(QStringLiteral("StatusBar"))
+                            ->Panel(QStringLiteral("Panel") + QString::number(pane)))
+        panel->setText(text);
 }
 
 QString frmMain::PaneText(int pane) const {
-    return pane >= 1 && pane <= 3 ? panes_[static_cast<size_t>(pane)]->text() : QString();
+    const QLabel* panel = bar_->Band(QStringLiteral("StatusBar"))
+                              ->Panel(QStringLiteral("Panel") + QString::number(pane));
+    return panel ? panel->text() : QString();
 }
 
 void frmMain::NewDocument() {
@@ -255,6 +406,33 @@ bool frmMain::CloseAllDocuments() {
     return true;
 }
 
+void frmMain::SaveAllDocuments() {
+    ProcessState& state = ProcessState::Instance();
+    if (!state.Documents)
+        return;
+    for (const auto& document : state.Documents->Snapshot()) {
+        if (!document->IsDirty())
+            continue;
+        if (document->ReadOnly()) {
+            const int32_t answer =
+                BrixMessage(QStringLiteral("Document ") + document->DisplayName() +
+                                QStringLiteral(" is read-only and cannot be saved. Continue "
+                                               "with next document?"),
+                            MsgBox::OKCancel | MsgBox::Exclamation, this) &
+                ~MsgBox::Ticked;
+            if (answer == MsgBox::Cancel)
+                return;
+            continue;
+        }
+        SaveDocument(document);
+    }
+}
+
+void frmMain::ExitApplication() {
+    if (CloseAllDocuments())
+        UnloadForm();
+}
+
 void frmMain::dragEnterEvent(QDragEnterEvent* event) {
     dragMoveEvent(event);
 }
@@ -284,21 +462,6 @@ void frmMain::dropEvent(QDropEvent* event) {
     QTimer::singleShot(0, this, [files] { modOpen::OpenDroppedFiles(files); });
 }
 
-void frmMain::addFileShortcuts() {
-    auto add = [this](const QKeySequence& keys, auto&& run) {
-        auto* action = new QAction(this);
-        action->setShortcut(keys);
-        action->setShortcutContext(Qt::WindowShortcut);
-        connect(action, &QAction::triggered, this, run);
-        addAction(action);
-    };
-    add(QKeySequence(Qt::CTRL | Qt::Key_N), [this] { NewDocument(); });
-    add(QKeySequence(Qt::CTRL | Qt::Key_O), [this] { OpenDocument(); });
-    add(QKeySequence(Qt::CTRL | Qt::Key_S), [this] { SaveDocument(ActiveDocument()); });
-    add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S),
-        [this] { SaveDocumentAs(ActiveDocument()); });
-}
-
 void frmMain::UnloadForm() {
     if (unloading_)
         return;
@@ -322,6 +485,10 @@ void frmMain::closeEvent(QCloseEvent* event) {
 
 void frmMain::unload() {
     unloading_ = true;
+    if (filterInstalled_) {
+        KeyboardFilter::Remove();
+        filterInstalled_ = false;
+    }
     saveWindowState();
     Shutdown();
     ProcessState::Instance().MainWindow.clear();

@@ -4,12 +4,14 @@
 
 #include <QMainWindow>
 #include <QPointer>
-#include <array>
 #include <cstdint>
 #include <memory>
 
-class QLabel;
+class CommandBar;
+class CommandDispatcher;
+class DocumentTabs;
 class QMdiArea;
+class QTimer;
 class frmDocument;
 class mvDocument;
 
@@ -36,8 +38,15 @@ public:
     frmDocument* ActiveDocumentWindow() const;
     std::shared_ptr<mvDocument> ActiveDocument() const;
 
+    CommandBar& Bar() const { return *bar_; }
+    CommandDispatcher& Dispatcher() const { return *dispatcher_; }
+    DocumentTabs& Tabs() const { return *tabs_; }
+
     // Refreshes the state of the commands from the active document.
     void UpdateToolBar();
+    // The recent files on the File menu, and the open documents on the Window menu.
+    void RebuildFileMenu();
+    void RebuildWindowMenu();
     void ShowDocumentPanes(bool visible);
     // Status panes 1 to 3: message, caret position, insert mode.
     void SetPaneText(int pane, const QString& text);
@@ -62,12 +71,25 @@ public:
     int16_t CloseDocument(const std::shared_ptr<mvDocument>& document);
     // Closes every document in turn; the first Cancel stops the walk and gives false.
     bool CloseAllDocuments();
+    // Saves every dirty document without asking; a read-only one asks whether to go on.
+    void SaveAllDocuments();
+    // Closes the documents, then the frame.
+    void ExitApplication();
+    // Activates the next (or previous) document window; with a window that didn't change
+    // on the first step, steps once more.
+    void NextDocument(bool previous);
+    // Unloads the frame shortly, without asking: the last automation client has gone.
+    void StartShutdownTimer();
+    // Ticks of the auto-save timer counted while auto-recover is on.
+    int32_t AutoSaveTicks = 0;
+    bool AppActive = false;
 
     // Unloads the frame as the program, not the user, asks: nothing is asked.
     void UnloadForm();
     bool IsUnloading() const { return unloading_; }
 
 protected:
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -78,8 +100,10 @@ protected:
 
 private:
     void unload();
-    // Keys for new, open, save and save as until the command table takes them over.
-    void addFileShortcuts();
+    void buildBars();
+    void buildTimers();
+    void autoSaveTick();
+    void stuckFocusTick();
     // The frame's place and bars from the settings, and back.
     void restoreWindowState();
     void saveWindowState();
@@ -88,11 +112,15 @@ private:
 
     QString title_;
     QMdiArea* mdiArea_ = nullptr;
-    std::array<QLabel*, 4> panes_ = {};
+    CommandBar* bar_ = nullptr;
+    std::unique_ptr<CommandDispatcher> dispatcher_;
+    DocumentTabs* tabs_ = nullptr;
+    QTimer* autoSaveTimer_ = nullptr;
+    QTimer* stuckFocusTimer_ = nullptr;
+    QTimer* shutdownTimer_ = nullptr;
+    bool filterInstalled_ = false;
     bool unloading_ = false;
     bool programmaticClose_ = false;
     // The place of the frame in normal state, kept while it is maximised or minimised.
     TwipsRect savedRect_;
-    // There is no tool bar band yet; its setting is kept as it was read.
-    bool toolbarVisible_ = true;
 };

@@ -1,0 +1,353 @@
+#include "BoxAnswers.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/DocumentCollection.h"
+#include "documents/mvConnection.h"
+#include "documents/mvDocument.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "settings/Moriox.h"
+#include "settings/clsRecentList.h"
+#include "shell/CommandBar.h"
+#include "shell/CommandState.h"
+#include "shell/frmMain.h"
+#include "support/MsgBoxEx.h"
+#include "support/UnicodeClipboard.h"
+
+#include <QClipboard>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMimeData>
+#include <QToolBar>
+
+// The frame driven as a user would: the command bars' state for each kind of document,
+// closing with unsaved documents, the Tab keys, and the menus rebuilt as they drop down.
+class tst_frmMain : public QObject {
+    Q_OBJECT
+    QPointer<frmMain> frame;
+    QTemporaryDir dir;
+
+    static ProcessState& state() { return ProcessState::Instance(); }
+    CommandTool* tool(const char* band, const char* key) const {
+        return frame->Bar().Tool(QLatin1String(band), QLatin1String(key));
+    }
+    std::shared_ptr<mvDocument> localFile(const QString& name, bool readOnly) {
+        const QString file = dir.filePath(name);
+        QFile out(file);
+        if (!out.open(QIODevice::WriteOnly))
+            return nullptr;
+        out.write("CRT 'HELLO'\nEND\n");
+        out.close();
+        auto document = mvDocument::Create();
+        if (!document->FileOpen(mvConnection::Instance().MakeFilePath({}, {}, file), readOnly))
+            return nullptr;
+        return document;
+    }
+    std::shared_ptr<mvDocument> dirtyNew() {
+        auto document = mvDocument::Create();
+        document->FileNew();
+        document->Editor()->SetCursor(0, 0);
+        document->SetSelText(QStringLiteral("X = 1"));
+        return document;
+    }
+    static void settle() {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        state().Documents = std::make_unique<DocumentCollection>();
+        frame = new frmMain;
+        frame->setAttribute(Qt::WA_DeleteOnClose, false);
+        state().MainWindow = frame;
+        frame->Load();
+        frame->show();
+        QVERIFY(QTest::qWaitForWindowExposed(frame));
+        frame->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(frame));
+    }
+    void cleanupTestCase() { delete frame; }
+
+    void cleanup() {
+        BoxAnswers quiet;
+        for (const auto& d : state().Documents->Snapshot()) {
+            d->SetDirty(false);
+            d->FileClose(false);
+        }
+        settle();
+        QCOMPARE(frame->DocumentCount, int16_t(0));
+    }
+
+    void tableAsShipped() {
+        QCOMPARE(tool("toolbar", "Find")->Caption(), QStringLiteral("&Fine"));
+        QCOMPARE(tool("Edit", "Find")->Caption(), QStringLiteral("&Find"));
+        QCOMPARE(tool("File", "SaveAll")->Shortcut(), QStringLiteral("shift+ctrl+s"));
+        QCOMPARE(tool("File", "SaveAll")->Action()->shortcut(),
+                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
+        QCOMPARE(tool("Help", "HelpTopics")->Shortcut(), QStringLiteral("F1"));
+        QCOMPARE(frame->Bar().Band(QStringLiteral("toolbar"))->Tools().size(), size_t(23));
+        QCOMPARE(tool("toolbar", "Highlight")->ToolType(), CommandTool::Type::Check);
+        QVERIFY(frame->Bar().Band(QStringLiteral("MAINMENU")));
+        // Commands this program doesn't offer yet stand disabled.
+        for (const char* key : {"Print", "Properties"})
+            QVERIFY(!tool("File", key)->Enabled());
+        QVERIFY(!tool("View", "Results")->Enabled());
+        QVERIFY(tool("File", "New")->Enabled());
+        QVERIFY(tool("File", "Open")->Enabled());
+    }
+
+    void noDocument() {
+        frame->UpdateToolBar();
+        for (const char* key : {"Paste", "Undo", "Cut", "SelectAll", "IndentBlock"})
+            QVERIFY2(!tool("Edit", key)->Enabled(), key);
+        for (const char* key : {"Save", "SaveAll", "Format", "Highlight"})
+            QVERIFY2(!tool("toolbar", key)->Enabled(), key);
+        QVERIFY(tool("File", "Exit")->Enabled());
+        QVERIFY(tool("View", "ViewToolbar")->Enabled());
+    }
+
+    void documentState_data() {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<bool>("select");
+        QTest::addColumn<bool>("clipboard");
+        QTest::addColumn<bool>("save");
+        QTest::addColumn<bool>("saveAll");
+        QTest::addColumn<bool>("format");
+        QTest::addColumn<bool>("cut");
+        QTest::addColumn<bool>("undo");
+        QTest::addColumn<bool>("barPaste");
+
+        QTest::newRow("local clean")
+            << "clean" << false << false << false << true << true << false << false << false;
+        QTest::newRow("local dirty, selection, clipboard")
+            << "dirty" << true << true << true << true << true << true << true << true;
+        QTest::newRow("read-only alone")
+            << "readonly" << true << true << false << false << false << true << false << true;
+        QTest::newRow("new unsaved")
+            << "new" << false << false << true << true << true << false << true << false;
+    }
+    void documentState() {
+        QFETCH(QString, kind);
+        QFETCH(bool, select);
+        QFETCH(bool, clipboard);
+        QFETCH(bool, save);
+        QFETCH(bool, saveAll);
+        QFETCH(bool, format);
+        QFETCH(bool, cut);
+        QFETCH(bool, undo);
+        QFETCH(bool, barPaste);
+
+        BoxAnswers answers;
+        std::shared_ptr<mvDocument> document;
+        if (kind == QLatin1String("new")) {
+            document = dirtyNew();
+        } else {
+            document = localFile(kind + QStringLiteral(".bas"), kind == QLatin1String("readonly"));
+            QVERIFY(document);
+            if (kind == QLatin1String("dirty")) {
+                document->Editor()->SetCursor(0, 1);
+                document->SetSelText(QStringLiteral("* "));
+            }
+        }
+        if (select)
+            document->Editor()->SetSelection(0, 0, 3, 0);
+        else
+            document->Editor()->SetCursor(0, 0);
+        if (clipboard)
+            UnicodeClipboard::SetText(QStringLiteral("PRINT \u00e9\u4e2d"));
+        else
+            QGuiApplication::clipboard()->clear();
+        settle();
+        frame->UpdateToolBar();
+
+        QCOMPARE(tool("File", "Save")->Enabled(), save);
+        QCOMPARE(tool("toolbar", "Save")->Enabled(), save);
+        QVERIFY(tool("File", "SaveAs")->Enabled());
+        QCOMPARE(tool("File", "SaveAll")->Enabled(), saveAll);
+        QCOMPARE(tool("Tools", "Format")->Enabled(), format);
+        QCOMPARE(tool("toolbar", "Format")->Enabled(), format);
+        QVERIFY(!tool("Tools", "Compile")->Enabled());
+        QCOMPARE(tool("Edit", "Cut")->Enabled(), cut);
+        QCOMPARE(tool("toolbar", "Clear")->Enabled(), cut);
+        QCOMPARE(tool("Edit", "Undo")->Enabled(), undo);
+        QVERIFY(tool("Edit", "Paste")->Enabled());
+        QCOMPARE(tool("toolbar", "Paste")->Enabled(), barPaste);
+        QCOMPARE(tool("View", "Highlight")->Checked(), document->Highlight());
+        QCOMPARE(tool("toolbar", "Highlight")->Checked(), document->Highlight());
+        QVERIFY(tool("Edit", "IndentBlock")->Enabled());
+    }
+
+    void clipboardText() {
+        const QString text = QStringLiteral("\u00c5ngstr\u00f6m \u03a9 \U0001F600");
+        QVERIFY(UnicodeClipboard::SetText(text));
+        QCOMPARE(QGuiApplication::clipboard()->text(), text);
+        QVERIFY(UnicodeClipboard::TextAvailable());
+        QVERIFY(UnicodeClipboard::SetText(QString()));
+        QVERIFY(!UnicodeClipboard::TextAvailable());
+        auto* picture = new QMimeData;
+        picture->setImageData(QImage(2, 2, QImage::Format_RGB32));
+        QGuiApplication::clipboard()->setMimeData(picture);
+        QVERIFY(!UnicodeClipboard::TextAvailable());
+    }
+
+    void highlightFollowsOnEveryBand() {
+        auto document = dirtyNew();
+        frame->UpdateToolBar();
+        const bool before = document->Highlight();
+        tool("toolbar", "Highlight")->Action()->trigger();
+        QCOMPARE(document->Highlight(), !before);
+        QCOMPARE(tool("View", "Highlight")->Checked(), !before);
+        QCOMPARE(tool("Popup", "Highlight")->Checked(), !before);
+    }
+
+    void closingFrameCancelledOnTheThird() {
+        for (int i = 0; i < 5; ++i)
+            dirtyNew();
+        QCOMPARE(state().Documents->Count(), 5);
+        BoxAnswers answers;
+        answers.Push({MsgBox::No, MsgBox::No, MsgBox::Cancel});
+        QVERIFY(!frame->close());
+        settle();
+        QCOMPARE(answers.Seen.size(), 3);
+        QVERIFY(answers.Seen[0].Text.startsWith(QStringLiteral("Save changes to ")));
+        QVERIFY(!answers.AnyUnexpected());
+        QVERIFY(frame->isVisible());
+        QCOMPARE(state().Documents->Count(), 3);
+        QCOMPARE(frame->DocumentCount, int16_t(3));
+    }
+
+    void ctrlTabSteps() {
+        auto first = dirtyNew();
+        settle();
+        QMdiSubWindow* only = frame->MdiArea()->activeSubWindow();
+        QVERIFY(only);
+        QTest::keyClick(first->Editor(), Qt::Key_Tab, Qt::ControlModifier);
+        settle();
+        QCOMPARE(frame->MdiArea()->activeSubWindow(), only);
+        QCOMPARE(first->Editor()->Buffer().GetLine(0), QStringLiteral("X = 1"));
+
+        auto second = dirtyNew();
+        settle();
+        QMdiSubWindow* newer = frame->MdiArea()->activeSubWindow();
+        QVERIFY(newer != only);
+        QTest::keyClick(second->Editor(), Qt::Key_Tab, Qt::ControlModifier);
+        settle();
+        QCOMPARE(frame->MdiArea()->activeSubWindow(), only);
+        QTest::keyClick(first->Editor(), Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+        settle();
+        QCOMPARE(frame->MdiArea()->activeSubWindow(), newer);
+    }
+
+    void tabOnSelections_data() {
+        QTest::addColumn<bool>("multiLine");
+        QTest::addColumn<bool>("shift");
+        QTest::addColumn<int>("shiftOfLines"); // sign of the change of the lines' indent
+
+        QTest::newRow("tab on two lines") << true << false << 1;
+        QTest::newRow("shift+tab on two lines") << true << true << -1;
+        QTest::newRow("shift+tab on one line") << false << true << 0;
+        QTest::newRow("tab on one line") << false << false << 0;
+    }
+    void tabOnSelections() {
+        QFETCH(bool, multiLine);
+        QFETCH(bool, shift);
+        QFETCH(int, shiftOfLines);
+
+        auto document = mvDocument::Create();
+        document->FileNew();
+        SourceView* editor = document->Editor();
+        editor->Buffer().SetAllText(QStringLiteral("      X = 1\n      Y = 2"));
+        settle();
+        editor->setFocus();
+        QTRY_VERIFY(editor->hasFocus());
+        if (multiLine)
+            editor->SetSelection(0, 0, 2, 1);
+        else
+            editor->SetSelection(10, 0, 11, 0);
+        if (shift)
+            QTest::keyClick(editor, Qt::Key_Backtab, Qt::ShiftModifier);
+        else
+            QTest::keyClick(editor, Qt::Key_Tab);
+        settle();
+        auto indent = [editor](int line) {
+            const QString text = editor->Buffer().GetLine(line);
+            return static_cast<int>(text.size() - text.trimmed().size());
+        };
+        if (multiLine) {
+            QCOMPARE((indent(0) > 6) - (indent(0) < 6), shiftOfLines);
+            QCOMPARE((indent(1) > 6) - (indent(1) < 6), shiftOfLines);
+            QCOMPARE(editor->Buffer().GetLine(0).trimmed(), QStringLiteral("X = 1"));
+        } else if (shift) {
+            // Backspace takes the selected character only.
+            QCOMPARE(editor->Buffer().GetLine(0), QStringLiteral("      X = "));
+        } else {
+            // The editor itself puts the tab in place of the selection.
+            QVERIFY(editor->Buffer().GetLine(0).startsWith(QStringLiteral("      X = ")));
+            QVERIFY(!editor->Buffer().GetLine(0).endsWith(QLatin1Char('1')));
+        }
+        QCOMPARE(editor->Buffer().GetLine(1),
+                 multiLine ? editor->Buffer().GetLine(1) : QStringLiteral("      Y = 2"));
+    }
+
+    void fileMenuListsRecentFiles() {
+        clsRecentList& recent = *Settings().RecentList;
+        recent.Clear();
+        const QString a = mvConnection::Instance().MakeFilePath({}, {}, dir.filePath("a.bas"));
+        const QString b = mvConnection::Instance().MakeFilePath({}, {}, dir.filePath("b.bas"));
+        recent.AddItem(a);
+        recent.AddItem(b);
+        frame->RebuildFileMenu();
+        frame->RebuildFileMenu();
+        const CommandBand& menu = *frame->Bar().Band(QStringLiteral("file"));
+        QStringList keys;
+        for (const auto& t : menu.Tools())
+            keys << t->Key();
+        const int exit = static_cast<int>(keys.indexOf(QStringLiteral("Exit")));
+        QCOMPARE(keys.mid(exit - 2, 3),
+                 QStringList(
+                     {QStringLiteral("file_1"), QStringLiteral("file_2"), QStringLiteral("Exit")}));
+        QVERIFY(menu.Tool(QStringLiteral("file_1"))->Caption().startsWith(QStringLiteral("&1 ")));
+        QVERIFY(menu.Tool(QStringLiteral("file_1"))->Caption().endsWith(QStringLiteral("b.bas")));
+        QVERIFY(menu.Tool(QStringLiteral("file_1"))->BeginGroup());
+        QVERIFY(!menu.Tool(QStringLiteral("file_2"))->BeginGroup());
+        QCOMPARE(menu.Tool(QStringLiteral("file_1"))->ToolType(), CommandTool::Type::Check);
+
+        recent.Clear();
+        frame->RebuildFileMenu();
+        QVERIFY(!menu.Tool(QStringLiteral("file_1")));
+    }
+
+    void windowMenuListsDocuments() {
+        frame->RebuildWindowMenu();
+        const CommandBand& menu = *frame->Bar().Band(QStringLiteral("window"));
+        QVERIFY(!menu.Tool(QStringLiteral("Maximize"))->Enabled());
+        QVERIFY(!menu.Tool(QStringLiteral("miWList1")));
+
+        auto first = dirtyNew();
+        auto second = dirtyNew();
+        first->Activate();
+        settle();
+        frame->RebuildWindowMenu();
+        frame->RebuildWindowMenu();
+        CommandTool* one = menu.Tool(QStringLiteral("miWList1"));
+        CommandTool* two = menu.Tool(QStringLiteral("miWList2"));
+        QVERIFY(one && two);
+        QVERIFY(!menu.Tool(QStringLiteral("miWList3")));
+        QCOMPARE(one->Caption(), QStringLiteral("&1 ") + first->DisplayName());
+        QVERIFY(one->Checked());
+        QVERIFY(!two->Checked());
+        QVERIFY(one->BeginGroup());
+        QVERIFY(menu.Tool(QStringLiteral("Maximize"))->Enabled());
+
+        // Clicking an entry activates that document.
+        two->Action()->trigger();
+        settle();
+        QCOMPARE(frame->ActiveDocument(), second);
+    }
+};
+
+BRIX_TEST_MAIN(tst_frmMain)
+#include "tst_frmMain.moc"
