@@ -1,0 +1,478 @@
+#include "BoxAnswers.h"
+#include "HostAccountFixture.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/DocumentCollection.h"
+#include "documents/frmBrowse.h"
+#include "documents/modOpen.h"
+#include "documents/mvConnection.h"
+#include "documents/mvDocument.h"
+#include "documents/mvResource.h"
+#include "editing/frmDocument.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "recovery/modAutoRecover.h"
+#include "settings/Moriox.h"
+#include "shell/frmMain.h"
+#include "support/MsgBoxEx.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTimer>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Opening documents on a real account in a temporary folder and on local files: every
+// branch of the open decision tree with each answer, locks held by a second process, the
+// browser, the recent list and files dropped on the frame.
+class tst_modOpen : public QObject {
+    Q_OBJECT
+    QPointer<frmMain> frame;
+    std::unique_ptr<HostAccountFixture> account;
+    // Every test answers whatever box comes up; none is left waiting for a person.
+    std::unique_ptr<BoxAnswers> answers;
+
+    static ProcessState& state() { return ProcessState::Instance(); }
+    static QString bp(const QString& item) { return HostAccountFixture::ItemPath("BP", item); }
+    static QStringList recentItems() {
+        QStringList items;
+        const clsRecentList& recent = *Settings().RecentList;
+        for (int16_t i = 1; i <= recent.ListCount(); ++i)
+            items << recent.ListItem(i);
+        return items;
+    }
+    // Runs `fill` on the browser once it is up; it accepts or rejects the dialog.
+    static void whenBrowserShows(std::function<void(frmBrowse&)> fill) {
+        auto poll = std::make_shared<std::function<void()>>();
+        *poll = [fill, poll] {
+            if (auto* browser = qobject_cast<frmBrowse*>(QApplication::activeModalWidget())) {
+                fill(*browser);
+                *poll = nullptr;
+                return;
+            }
+            QTimer::singleShot(10, *poll);
+        };
+        QTimer::singleShot(0, *poll);
+    }
+
+public:
+    tst_modOpen() { HostAccountFixture::RunChildIfAsked(); }
+
+private Q_SLOTS:
+    void initTestCase() {
+        state().Documents = std::make_unique<DocumentCollection>();
+        frame = new frmMain;
+        frame->setAttribute(Qt::WA_DeleteOnClose, false);
+        state().MainWindow = frame;
+        frame->Load();
+        frame->show();
+        QVERIFY(QTest::qWaitForWindowExposed(frame));
+    }
+    void cleanupTestCase() { delete frame; }
+
+    void init() {
+        account = std::make_unique<HostAccountFixture>();
+        answers = std::make_unique<BoxAnswers>();
+        Settings().RecordLocking = true;
+        Settings().RecentList->Clear();
+        state().Host = HostContext();
+    }
+    void cleanup() {
+        for (const auto& d : state().Documents->Snapshot())
+            d->FileClose(false);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(frame->DocumentCount, int16_t(0));
+        // Every host round trip resumed what it suspended.
+        QCOMPARE(modAutoRecover::Suspensions(), 0);
+        QVERIFY(!MsgBox::IsOpen());
+        QVERIFY(!answers->AnyUnexpected());
+        answers.reset();
+        account.reset();
+    }
+
+    // FileOpen and OpenResource on one path: the questions asked, each answer, and what
+    // the document and its lock look like afterwards.
+    void fileOpen_data() {
+        QTest::addColumn<QString>("item");
+        QTest::addColumn<bool>("readOnly");
+        QTest::addColumn<bool>("locking");
+        QTest::addColumn<bool>("lockedByOther");
+        QTest::addColumn<QList<int32_t>>("replies");
+        QTest::addColumn<QStringList>("questions");
+        QTest::addColumn<bool>("opened");
+        // "open", "open read only", "new", "left" (no resource), "closed" (out of Documents)
+        QTest::addColumn<QString>("outcome");
+        QTest::addColumn<bool>("lockHeld");
+
+        const QList<int32_t> none;
+        const QList<int32_t> yes{MsgBox::Yes};
+        const QList<int32_t> no{MsgBox::No};
+        const QString lockQuestion =
+            QStringLiteral("HELLO is locked by another user or process. Open in \"read only\" "
+                           "mode instead?");
+        const QString protQuestion =
+            QStringLiteral("Item PROT is \"read only\". Open in read-only mode?");
+        const QString missing = QStringLiteral("Item NEWONE does not exist. Create new item?");
+        const QString folder = QStringLiteral(
+            "Unable to open item %1 because it appears to be a folder or file definition.");
+
+        QTest::newRow("item, locked")
+            << "HELLO" << false << true << false << none << QStringList() << true << "open" << true;
+        QTest::newRow("item, asked read only")
+            << "HELLO" << true << true << false << none << QStringList() << true << "open read only"
+            << false;
+        QTest::newRow("item, no locking") << "HELLO" << false << false << false << none
+                                          << QStringList() << true << "open" << false;
+        QTest::newRow("protected, locking: silent read only")
+            << "PROT" << false << true << false << none << QStringList() << true << "open read only"
+            << false;
+        QTest::newRow("protected, no locking, Yes")
+            << "PROT" << false << false << false << yes << QStringList{protQuestion} << true
+            << "open read only" << false;
+        QTest::newRow("protected, no locking, No")
+            << "PROT" << false << false << false << no << QStringList{protQuestion} << false
+            << "left" << false;
+        QTest::newRow("missing, Yes") << "NEWONE" << false << true << false << yes
+                                      << QStringList{missing} << true << "new" << true;
+        QTest::newRow("missing, No") << "NEWONE" << false << true << false << no
+                                     << QStringList{missing} << false << "closed" << false;
+        QTest::newRow("missing read only, Yes") << "NEWONE" << true << true << false << yes
+                                                << QStringList{missing} << true << "new" << false;
+        QTest::newRow("file definition")
+            << "CUSTOMERS/X" << false << true << false << none
+            << QStringList{folder.arg(QStringLiteral("X"))} << false << "left" << false;
+        QTest::newRow("folder") << "" << false << true << false << none
+                                << QStringList{folder.arg(QStringLiteral("BP"))} << false << "left"
+                                << false;
+        QTest::newRow("locked by other, Yes")
+            << "HELLO" << false << true << true << yes << QStringList{lockQuestion} << true
+            << "open read only" << false;
+        QTest::newRow("locked by other, No")
+            << "HELLO" << false << true << true << QList<int32_t>{MsgBox::No, MsgBox::OK}
+            << QStringList{lockQuestion, QStringLiteral("Item HELLO in BP is locked by ")} << false
+            << "left" << false;
+        QTest::newRow("locked by other, no locking") << "HELLO" << false << false << true << none
+                                                     << QStringList() << true << "open" << false;
+        QTest::newRow("locked by other, asked read only")
+            << "HELLO" << true << true << true << none << QStringList() << true << "open read only"
+            << false;
+    }
+    void fileOpen() {
+        QFETCH(QString, item);
+        QFETCH(bool, readOnly);
+        QFETCH(bool, locking);
+        QFETCH(bool, lockedByOther);
+        QFETCH(QList<int32_t>, replies);
+        QFETCH(QStringList, questions);
+        QFETCH(bool, opened);
+        QFETCH(QString, outcome);
+        QFETCH(bool, lockHeld);
+
+        const QString file = item.contains('/') ? item.section('/', 0, 0) : QStringLiteral("BP");
+        const QString id = item.contains('/') ? item.section('/', 1) : item;
+        const QString path = HostAccountFixture::ItemPath(file, id);
+        std::unique_ptr<HostAccountFixture::LockHolderProcess> holder;
+        if (lockedByOther) {
+            holder = std::make_unique<HostAccountFixture::LockHolderProcess>(*account, path);
+            QVERIFY(holder->Holding());
+        }
+        Settings().RecordLocking = locking;
+        const int16_t count = frame->DocumentCount;
+        BoxAnswers& boxes = *answers;
+        boxes.Push(replies);
+
+        auto d = mvDocument::Create();
+        QCOMPARE(d->FileOpen(path, readOnly), opened);
+
+        QCOMPARE(boxes.Seen.size(), questions.size());
+        for (int i = 0; i < questions.size(); ++i) {
+            // A text ending in a blank is the start of the connection layer's description.
+            if (questions[i].endsWith(' '))
+                QVERIFY2(boxes.Seen[i].Text.startsWith(questions[i]),
+                         qPrintable(boxes.Seen[i].Text));
+            else
+                QCOMPARE(boxes.Seen[i].Text, questions[i]);
+            QCOMPARE(boxes.Seen[i].Caption, QStringLiteral("Brix"));
+        }
+        QVERIFY(!boxes.AnyUnexpected());
+
+        const bool inCollection = state().Documents->Contains(QString::number(d->DocumentNumber()));
+        QCOMPARE(inCollection, outcome != "closed");
+        if (outcome == "open" || outcome == "open read only") {
+            QVERIFY(d->DocumentResource());
+            QCOMPARE(d->ReadOnly(), outcome == "open read only");
+            QVERIFY(!d->NewItem());
+            QCOMPARE(d->Text().toUtf8(), account->ReadItem(file, id).replace("\n", "\r\n"));
+            QVERIFY(!d->IsDirty());
+            QVERIFY(!d->Buffer()->CanUndo());
+            QCOMPARE(d->Editor()->CursorLine(), 0);
+            QCOMPARE(d->View()->Title(),
+                     QStringLiteral("BP ") + id + QStringLiteral(" on TEST") +
+                         (d->ReadOnly() ? QStringLiteral(" (Read only)") : QString()));
+            QCOMPARE(frame->DocumentCount, int16_t(count + 1));
+            QCOMPARE(frame->PaneText(1), QString());
+        } else if (outcome == "new") {
+            QVERIFY(d->DocumentResource());
+            QVERIFY(d->NewItem());
+            QCOMPARE(d->View()->Title(), QStringLiteral("BP NEWONE on TEST (New)"));
+            QCOMPARE(frame->DocumentCount, int16_t(count + 1));
+        } else {
+            QVERIFY(!d->DocumentResource());
+            QCOMPARE(frame->DocumentCount, count);
+        }
+        if (opened) {
+            QCOMPARE(state().Host.Provider, QStringLiteral("mvdb"));
+            QCOMPARE(state().Host.Database, QStringLiteral("DEMO"));
+            QCOMPARE(state().Host.Folder, QStringLiteral("BP"));
+        } else {
+            QCOMPARE(state().Host.Folder, QString());
+        }
+        if (!lockedByOther)
+            QCOMPARE(account->LockHolder(file, id), lockHeld ? qint64(::getpid()) : 0);
+        else
+            QCOMPARE(account->LockHolder(file, id), holder->Pid());
+
+        d->FileClose(true);
+        QCOMPARE(account->LockHolder(file, id), lockedByOther ? holder->Pid() : 0);
+    }
+
+    // A local file gives the same questions as an item, and never takes a lock.
+    void localFiles_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("locking");
+        QTest::addColumn<QList<int32_t>>("replies");
+        QTest::addColumn<QString>("question");
+        QTest::addColumn<QString>("title");
+        QTest::newRow("plain") << "a.txt" << 0644 << true << QList<int32_t>() << QString()
+                               << "a.txt";
+        QTest::newRow("protected, locking")
+            << "a.txt" << 0444 << true << QList<int32_t>() << QString() << "a.txt (Read only)";
+        QTest::newRow("protected, no locking")
+            << "a.txt" << 0444 << false << QList<int32_t>{MsgBox::Yes}
+            << "Item %1 is \"read only\". Open in read-only mode?"
+            << "a.txt (Read only)";
+        QTest::newRow("missing") << "" << 0 << true << QList<int32_t>{MsgBox::Yes}
+                                 << "Item %1 does not exist. Create new item?"
+                                 << "b.txt (New)";
+    }
+    void localFiles() {
+        QFETCH(QString, name);
+        QFETCH(int, mode);
+        QFETCH(bool, locking);
+        QFETCH(QList<int32_t>, replies);
+        QFETCH(QString, question);
+        QFETCH(QString, title);
+        const QString fileName =
+            account->LocalFolder() + '/' + (name.isEmpty() ? QStringLiteral("b.txt") : name);
+        if (!name.isEmpty()) {
+            QFile f(fileName);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write("line 1\r\nline\t2\r\n");
+            f.close();
+            QVERIFY(::chmod(QFile::encodeName(fileName).constData(), mode) == 0);
+        }
+        Settings().RecordLocking = locking;
+        BoxAnswers& boxes = *answers;
+        boxes.Push(replies);
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileOpen(mvConnection::Instance().MakeFilePath({}, {}, fileName), false));
+        QCOMPARE(boxes.Texts(),
+                 question.isEmpty() ? QStringList() : QStringList{question.arg(fileName)});
+        QCOMPARE(d->View()->Title(), title);
+        QVERIFY(d->LocalFile());
+        if (!name.isEmpty())
+            QCOMPARE(d->Text(), QStringLiteral("line 1\r\nline") +
+                                    QString(Settings().TabSize, ' ') + QStringLiteral("2\r\n"));
+        QCOMPARE(state().Host.Provider, QStringLiteral("file"));
+        QCOMPARE(state().Host.Folder, account->LocalFolder());
+    }
+
+    void errorsOfTheConnectionAreShown() {
+        BoxAnswers& boxes = *answers;
+        auto d = mvDocument::Create();
+        QVERIFY(!d->FileOpen(QStringLiteral("mvdb://nowhere/DEMO/BP/HELLO"), false));
+        QCOMPARE(boxes.Seen.size(), 1);
+        QVERIFY(boxes.Seen[0].Text.startsWith(QStringLiteral("There is no connection named")));
+        QCOMPARE(boxes.Seen[0].Icon, int(QMessageBox::Warning));
+        QVERIFY(!d->DocumentResource());
+    }
+
+    // Opening again into an open document replaces its text and lock, and keeps the count.
+    void reopeningReplacesResourceAndCountsOnce() {
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileOpen(bp("HELLO"), false));
+        QTest::keyClicks(d->Editor(), QStringLiteral("xyz"));
+        QVERIFY(d->Buffer()->CanUndo());
+        QVERIFY(d->FileOpen(bp("FORMAT.AMOUNT"), false));
+        QCOMPARE(d->ItemID(), QStringLiteral("FORMAT.AMOUNT"));
+        QVERIFY(!d->IsDirty());
+        QVERIFY(!d->Buffer()->CanUndo());
+        QCOMPARE(frame->DocumentCount, int16_t(1));
+        QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
+        QCOMPARE(account->LockHolder("BP", "FORMAT.AMOUNT"), qint64(::getpid()));
+    }
+
+    // A second instance of the program meets the lock of the first.
+    void secondProcessSeesTheLock() {
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileOpen(bp("HELLO"), false));
+        QProcess other;
+        HostAccountFixture::StartChild(other, "lock", account->ProfilesFile(), bp("HELLO"));
+        QVERIFY(other.waitForFinished(30000));
+        QVERIFY(QString::fromUtf8(other.readAllStandardOutput())
+                    .startsWith(QStringLiteral("Item HELLO in BP is locked by")));
+        d->FileClose(false);
+        HostAccountFixture::LockHolderProcess now(*account, bp("HELLO"));
+        QVERIFY(now.Holding());
+    }
+
+    void recentPathOf_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("recent");
+        QTest::newRow("host item") << "mvdb://prod/SALES/BP/MAIN"
+                                   << "mvdb://*/*/BP/MAIN";
+        QTest::newRow("default server") << "mvdb://*/DEMO/BP/X%20Y"
+                                        << "mvdb://*/*/BP/X%20Y";
+        QTest::newRow("local file") << "file:///tmp/a%20b.txt"
+                                    << "file:///tmp/a%20b.txt";
+        QTest::newRow("provider in capitals") << "FILE:///tmp/x"
+                                              << "FILE:///tmp/x";
+    }
+    void recentPathOf() {
+        QFETCH(QString, path);
+        QFETCH(QString, recent);
+        QCOMPARE(modOpen::RecentPathOf(path), recent);
+    }
+
+    // A recent host entry opens on the account in use, or the connection's own account.
+    void recentEntriesOpenOnTheCurrentAccount() {
+        QDir().mkpath(account->Accounts() + QStringLiteral("/OTHER/BP"));
+        QFile::copy(account->ItemFile("BP", "HELLO"),
+                    account->Accounts() + QStringLiteral("/OTHER/BP/HELLO"));
+        Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/HELLO"));
+
+        auto first = modOpen::OpenRecent(1);
+        QVERIFY(first);
+        QCOMPARE(first->Path(), bp("HELLO"));
+        first->FileClose(false);
+
+        state().Host = {QStringLiteral("mvdb"), QStringLiteral("test"), QStringLiteral("OTHER"),
+                        QStringLiteral("BP")};
+        frame->OpenRecent(1);
+        QCOMPARE(state().Documents->Count(), 1);
+        QCOMPARE(state().Documents->At(0)->Path(), QStringLiteral("mvdb://test/OTHER/BP/HELLO"));
+        QCOMPARE(recentItems(), QStringList{"mvdb://*/*/BP/HELLO"});
+        QVERIFY(!modOpen::OpenRecent(2));
+    }
+
+    // Open from a path: the recent list gets what opened; what failed is closed again.
+    void openPath() {
+        BoxAnswers& boxes = *answers;
+        QVERIFY(modOpen::OpenPath(bp("HELLO")));
+        boxes.Push(MsgBox::Yes);
+        QVERIFY(modOpen::OpenPath(bp("NEWONE")));
+        QVERIFY(!modOpen::OpenPath(HostAccountFixture::ItemPath("CUSTOMERS", "X")));
+        boxes.Push(MsgBox::No);
+        QVERIFY(!modOpen::OpenPath(bp("NOTHERE")));
+        QCOMPARE(boxes.Seen.size(), 3);
+        QCOMPARE(state().Documents->Count(), 2);
+        QCOMPARE(frame->DocumentCount, int16_t(2));
+        QCOMPARE(recentItems(), (QStringList{"mvdb://*/*/BP/NEWONE", "mvdb://*/*/BP/HELLO"}));
+    }
+
+    // File Open: the browser starts at the host context, and each chosen item becomes a
+    // document with the lock or read-only state that the browser took.
+    void openCommand_data() {
+        QTest::addColumn<bool>("readOnly");
+        QTest::addColumn<bool>("cancel");
+        QTest::newRow("locked") << false << false;
+        QTest::newRow("read only") << true << false;
+        QTest::newRow("cancelled") << false << true;
+    }
+    void openCommand() {
+        QFETCH(bool, readOnly);
+        QFETCH(bool, cancel);
+        state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
+                        QStringLiteral("BP")};
+        QString startFile;
+        int suspendedWhileUp = -1;
+        whenBrowserShows([&](frmBrowse& browser) {
+            startFile = browser.Model().File();
+            suspendedWhileUp = modAutoRecover::Suspensions();
+            if (cancel) {
+                browser.reject();
+                return;
+            }
+            browser.findChild<QCheckBox*>(QStringLiteral("chkReadOnly"))->setChecked(readOnly);
+            browser.findChild<QLineEdit*>(QStringLiteral("txtName"))
+                ->setText(QStringLiteral("\"HELLO\" \"FORMAT.AMOUNT\""));
+            browser.accept();
+        });
+        frame->OpenDocument();
+        QCOMPARE(startFile, QStringLiteral("BP"));
+        QCOMPARE(suspendedWhileUp, 1);
+        if (cancel) {
+            QCOMPARE(state().Documents->Count(), 0);
+            QVERIFY(recentItems().isEmpty());
+            return;
+        }
+        QCOMPARE(state().Documents->Count(), 2);
+        for (const auto& d : state().Documents->Snapshot()) {
+            QCOMPARE(d->ReadOnly(), readOnly);
+            QVERIFY(d->View()->Title().endsWith(readOnly ? " on TEST (Read only)" : " on TEST"));
+            QCOMPARE(account->LockHolder("BP", d->ItemID()), readOnly ? 0 : qint64(::getpid()));
+        }
+        QCOMPARE(recentItems(),
+                 (QStringList{"mvdb://*/*/BP/FORMAT.AMOUNT", "mvdb://*/*/BP/HELLO"}));
+        QCOMPARE(frame->DocumentCount, int16_t(2));
+    }
+
+    // Files dropped on the frame: each opens, a missing one asks, a folder is refused; only
+    // a list of files is taken.
+    void droppedFiles() {
+        const QString a = account->LocalFolder() + QStringLiteral("/drop a.txt");
+        QFile f(a);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("dropped\n");
+        f.close();
+        const QString missing = account->LocalFolder() + QStringLiteral("/gone.txt");
+
+        QMimeData text;
+        text.setText(QStringLiteral("just text"));
+        QDragEnterEvent enterText(QPoint(10, 10), Qt::CopyAction | Qt::MoveAction, &text,
+                                  Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(frame, &enterText);
+        QVERIFY(!enterText.isAccepted());
+
+        QMimeData files;
+        files.setUrls({QUrl::fromLocalFile(a), QUrl::fromLocalFile(missing),
+                       QUrl::fromLocalFile(account->LocalFolder())});
+        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction | Qt::MoveAction, &files,
+                              Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(frame, &enter);
+        QVERIFY(enter.isAccepted());
+        QCOMPARE(enter.dropAction(), Qt::CopyAction);
+
+        BoxAnswers& boxes = *answers;
+        boxes.Push(MsgBox::No);
+        QDropEvent drop(QPointF(10, 10), Qt::CopyAction | Qt::MoveAction, &files, Qt::LeftButton,
+                        Qt::NoModifier);
+        QCoreApplication::sendEvent(frame, &drop);
+        QVERIFY(drop.isAccepted());
+        QTRY_COMPARE(boxes.Seen.size(), 2);
+        QCOMPARE(boxes.Texts(),
+                 (QStringList{"Item " + missing + " does not exist. Create new item?",
+                              "Unable to open item " + account->LocalFolder() +
+                                  " because it appears to be a folder or file definition."}));
+        QCOMPARE(state().Documents->Count(), 1);
+        QCOMPARE(state().Documents->At(0)->DisplayName(), QStringLiteral("drop a.txt"));
+        QCOMPARE(recentItems(), QStringList{mvConnection::Instance().MakeFilePath({}, {}, a)});
+    }
+};
+
+BRIX_TEST_MAIN(tst_modOpen)
+#include "tst_modOpen.moc"

@@ -1,0 +1,679 @@
+#include "BoxAnswers.h"
+#include "HostAccountFixture.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/DocumentCollection.h"
+#include "documents/HostResource.h"
+#include "documents/frmBrowse.h"
+#include "documents/modSave.h"
+#include "documents/mvConnection.h"
+#include "documents/mvDocument.h"
+#include "documents/mvPath.h"
+#include "documents/mvResource.h"
+#include "editing/frmDocument.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "recovery/modAutoRecover.h"
+#include "settings/Moriox.h"
+#include "shell/frmMain.h"
+#include "support/MsgBoxEx.h"
+
+#include <QCloseEvent>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QTimer>
+#include <csignal>
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+// The two versions the saving child writes in turn: large, and of different lengths.
+QByteArray version(int which) {
+    QByteArray text;
+    const int lines = which == 0 ? 40000 : 30000;
+    text.reserve(lines * 40);
+    for (int i = 0; i < lines; ++i)
+        text += (which == 0 ? "      CRT 'first version, line " : "   * second version ") +
+                QByteArray::number(i) + "'\n";
+    return text;
+}
+
+// The child that saves one item over and over until it is killed.
+bool saveLoop(const QByteArray& mode, const QString& path) {
+    if (mode != "saveloop")
+        return false;
+    Settings().RecordLocking = false;
+    const QString versions[2] = {QString::fromLatin1(version(0)), QString::fromLatin1(version(1))};
+    auto document = mvDocument::Create();
+    if (!document->FileOpen(path, false))
+        return true;
+    std::fputs("ready\n", stdout);
+    std::fflush(stdout);
+    for (int n = 0;; ++n) {
+        document->SetText(versions[n % 2]);
+        if (!document->FileSave())
+            return true;
+        std::fputs("saved\n", stdout);
+        std::fflush(stdout);
+    }
+}
+
+} // namespace
+
+// Saving and closing documents on a real account in a temporary folder: the save decision
+// tree with each answer, locks moving between items and held by a second process, failed
+// writes, Save As through the browser, the close questions of a document and of the frame,
+// and saves killed half way.
+class tst_modSave : public QObject {
+    Q_OBJECT
+    QPointer<frmMain> frame;
+    std::unique_ptr<HostAccountFixture> account;
+    std::unique_ptr<BoxAnswers> answers;
+
+    static ProcessState& state() { return ProcessState::Instance(); }
+    static QString bp(const QString& item) { return HostAccountFixture::ItemPath("BP", item); }
+    static QStringList recentItems() {
+        QStringList items;
+        const clsRecentList& recent = *Settings().RecentList;
+        for (int16_t i = 1; i <= recent.ListCount(); ++i)
+            items << recent.ListItem(i);
+        return items;
+    }
+    // A document open on a BP item with a change typed into it.
+    std::shared_ptr<mvDocument> editedItem(const QString& item, const QString& typed) {
+        auto d = mvDocument::Create();
+        if (!d->FileOpen(bp(item), false))
+            return nullptr;
+        d->Editor()->SetCursor(0, 0);
+        d->SetSelText(typed);
+        return d;
+    }
+    std::shared_ptr<mvResource> resource(const QString& path) {
+        return mvConnection::Instance().GetResource(path, false, false);
+    }
+    static void whenBrowserShows(std::function<void(frmBrowse&)> fill) {
+        auto poll = std::make_shared<std::function<void()>>();
+        *poll = [fill, poll] {
+            if (auto* browser = qobject_cast<frmBrowse*>(QApplication::activeModalWidget())) {
+                fill(*browser);
+                *poll = nullptr;
+                return;
+            }
+            QTimer::singleShot(10, *poll);
+        };
+        QTimer::singleShot(0, *poll);
+    }
+
+public:
+    tst_modSave() { HostAccountFixture::RunChildIfAsked(saveLoop); }
+
+private Q_SLOTS:
+    void initTestCase() {
+        state().Documents = std::make_unique<DocumentCollection>();
+        frame = new frmMain;
+        frame->setAttribute(Qt::WA_DeleteOnClose, false);
+        state().MainWindow = frame;
+        frame->Load();
+        frame->show();
+        QVERIFY(QTest::qWaitForWindowExposed(frame));
+    }
+    void cleanupTestCase() { delete frame; }
+
+    void init() {
+        account = std::make_unique<HostAccountFixture>();
+        answers = std::make_unique<BoxAnswers>();
+        Settings().RecordLocking = true;
+        Settings().RecentList->Clear();
+        state().Host = HostContext();
+    }
+    void cleanup() {
+        answers = std::make_unique<BoxAnswers>();
+        for (const auto& d : state().Documents->Snapshot())
+            d->FileClose(false);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(frame->DocumentCount, int16_t(0));
+        QCOMPARE(modAutoRecover::Suspensions(), 0);
+        QVERIFY(!MsgBox::IsOpen());
+        answers.reset();
+        account.reset();
+    }
+
+    void fileSaveWritesAndKeepsTheLock() {
+        auto d = editedItem("HELLO", "* saved\n");
+        QVERIFY(d);
+        QVERIFY(d->IsDirty());
+        const QByteArray before = account->ReadItem("BP", "HELLO");
+        state().Host = HostContext();
+        QVERIFY(d->FileSave());
+        QCOMPARE(account->ReadItem("BP", "HELLO"), "* saved\n" + before);
+        QVERIFY(!d->IsDirty());
+        QCOMPARE(d->View()->Title(), QStringLiteral("BP HELLO on TEST"));
+        QCOMPARE(state().Host.Folder, QStringLiteral("BP"));
+        QCOMPARE(state().Host.Database, QStringLiteral("DEMO"));
+        QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(::getpid()));
+        QCOMPARE(frame->PaneText(1), QString());
+        QVERIFY(answers->Seen.isEmpty());
+        // The lock stays, so a second save goes through as well.
+        d->Editor()->SetCursor(0, 0);
+        QTest::keyClicks(d->Editor(), QStringLiteral("*"));
+        QVERIFY(d->FileSave());
+        QCOMPARE(account->ReadItem("BP", "HELLO"), "** saved\n" + before);
+    }
+
+    void fileSaveRefusals_data() {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("never saved") << "new"
+                                     << "Cannot save document - file name and/or item ID missing!";
+        QTest::newRow("read only") << "readonly"
+                                   << "Cannot save BP HELLO - document is read-only!";
+    }
+    void fileSaveRefusals() {
+        QFETCH(QString, kind);
+        QFETCH(QString, message);
+        auto d = mvDocument::Create();
+        if (kind == "new")
+            QVERIFY(d->FileNew());
+        else
+            QVERIFY(d->FileOpen(bp("HELLO"), true));
+        QTest::keyClicks(d->Editor(), QStringLiteral("x"));
+        const QByteArray before = account->ReadItem("BP", "HELLO");
+        QVERIFY(!d->FileSave());
+        QCOMPARE(answers->Texts(), QStringList{message});
+        QCOMPARE(answers->Seen[0].Icon, int(QMessageBox::Warning));
+        QVERIFY(d->IsDirty());
+        QCOMPARE(account->ReadItem("BP", "HELLO"), before);
+    }
+
+    // A new, named item (Yes to "does not exist") is written without an overwrite question
+    // and stops being new.
+    void fileSaveCreatesANewItem() {
+        answers->Push(MsgBox::Yes);
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileOpen(bp("FRESH"), false));
+        QTest::keyClicks(d->Editor(), QStringLiteral("PRINT 1"));
+        QVERIFY(d->FileSave());
+        QCOMPARE(answers->Seen.size(), 1);
+        QCOMPARE(account->ReadItem("BP", "FRESH"), QByteArray("PRINT 1"));
+        QCOMPARE(d->View()->Title(), QStringLiteral("BP FRESH on TEST"));
+        QVERIFY(!d->NewItem());
+    }
+
+    // A write that fails keeps the text and its modified state, and the item on the host
+    // stays as it was, whether through FileSave or past the lock move of SaveToResource.
+    void failedWriteKeepsEverything_data() {
+        QTest::addColumn<bool>("saveAs");
+        QTest::newRow("save") << false;
+        QTest::newRow("save as") << true;
+    }
+    void failedWriteKeepsEverything() {
+        QFETCH(bool, saveAs);
+        // The account stores Latin-1: a character outside it can't be written.
+        auto d = editedItem("HELLO", QString::fromUtf8("CRT '\xe2\x82\xac'\n"));
+        QVERIFY(d);
+        const QString text = d->Text();
+        const QByteArray hello = account->ReadItem("BP", "HELLO");
+        const QByteArray other = account->ReadItem("LIB", "OTHER");
+        if (saveAs) {
+            answers->Push(MsgBox::Yes);
+            QVERIFY(!d->FileSaveAs(HostAccountFixture::ItemPath("LIB", "OTHER")));
+            QCOMPARE(answers->Seen.size(), 2);
+            // Past the lock move: the document holds the target, the old lock is gone.
+            QCOMPARE(d->ItemID(), QStringLiteral("OTHER"));
+            QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
+            QCOMPARE(account->LockHolder("LIB", "OTHER"), qint64(::getpid()));
+        } else {
+            QVERIFY(!d->FileSave());
+            QCOMPARE(answers->Seen.size(), 1);
+            QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(::getpid()));
+        }
+        QVERIFY2(answers->Seen.last().Text.contains(QStringLiteral("Nothing was written")),
+                 qPrintable(answers->Seen.last().Text));
+        QCOMPARE(d->Text(), text);
+        QVERIFY(d->IsDirty());
+        QCOMPARE(account->ReadItem("BP", "HELLO"), hello);
+        QCOMPARE(account->ReadItem("LIB", "OTHER"), other);
+        QCOMPARE(frame->PaneText(1), QString());
+    }
+
+    // SaveToResource's decision tree on one document open on BP HELLO (or on HELLO read
+    // only): the target, the answer, and where text, lock and host context end up.
+    void saveToResource_data() {
+        QTest::addColumn<bool>("openReadOnly");
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<bool>("locking");
+        QTest::addColumn<bool>("targetLockedByOther");
+        QTest::addColumn<QList<int32_t>>("replies");
+        QTest::addColumn<QStringList>("messages");
+        QTest::addColumn<bool>("saved");
+
+        const QString lib = HostAccountFixture::ItemPath("LIB", "OTHER");
+        const QString overwrite = QStringLiteral("Item 'OTHER' exists. Overwrite?");
+        const QList<int32_t> none;
+        QTest::newRow("same item")
+            << false << bp("HELLO") << true << false << none << QStringList() << true;
+        QTest::newRow("same item read only")
+            << true << bp("HELLO") << true << false << none
+            << QStringList{"Item 'HELLO' is open in read-only mode. Please save using a "
+                           "different name."}
+            << false;
+        QTest::newRow("new item") << false << bp("NEWONE") << true << false << none << QStringList()
+                                  << true;
+        QTest::newRow("read-only document to a new item")
+            << true << bp("NEWONE") << true << false << none << QStringList() << true;
+        QTest::newRow("existing, Yes")
+            << false << lib << true << false << QList<int32_t>{MsgBox::Yes}
+            << QStringList{overwrite} << true;
+        QTest::newRow("existing, No") << false << lib << true << false << QList<int32_t>{MsgBox::No}
+                                      << QStringList{overwrite} << false;
+        QTest::newRow("existing, protected")
+            << false << bp("PROT") << true << false << none
+            << QStringList{"Item 'PROT' exists and cannot be overwritten. Please save using a "
+                           "different name."}
+            << false;
+        QTest::newRow("hashed file")
+            << false << HostAccountFixture::ItemPath("CUSTOMERS", "X") << true << false << none
+            << QStringList{"'X' appears to be a file or folder and cannot be overwritten!"}
+            << false;
+        QTest::newRow("locked by other")
+            << false << lib << true << true << QList<int32_t>{MsgBox::Yes}
+            << QStringList{overwrite, "Item 'OTHER' is currently locked and cannot be updated!"}
+            << false;
+        QTest::newRow("locked by other, no locking")
+            << false << lib << false << true << QList<int32_t>{MsgBox::Yes}
+            << QStringList{overwrite} << true;
+    }
+    void saveToResource() {
+        QFETCH(bool, openReadOnly);
+        QFETCH(QString, target);
+        QFETCH(bool, locking);
+        QFETCH(bool, targetLockedByOther);
+        QFETCH(QList<int32_t>, replies);
+        QFETCH(QStringList, messages);
+        QFETCH(bool, saved);
+
+        std::unique_ptr<HostAccountFixture::LockHolderProcess> holder;
+        if (targetLockedByOther) {
+            holder = std::make_unique<HostAccountFixture::LockHolderProcess>(*account, target);
+            QVERIFY(holder->Holding());
+        }
+        Settings().RecordLocking = locking;
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileOpen(bp("HELLO"), openReadOnly));
+        d->SetSelText(QStringLiteral("* new text\n"));
+        const QString text = d->Text();
+        const bool heldHello = account->LockHolder("BP", "HELLO") == ::getpid();
+        QCOMPARE(heldHello, locking && !openReadOnly);
+
+        const auto targetResource = resource(target);
+        const mvPath parts = mvPath::Parse(target);
+        const QByteArray before = account->ReadItem(parts.Folder, parts.ItemID);
+        state().Host = HostContext();
+        answers->Push(replies);
+        QCOMPARE(d->SaveToResource(targetResource), saved);
+        QCOMPARE(answers->Texts(), messages);
+        QVERIFY(!answers->AnyUnexpected());
+
+        // The context has moved to the target whether or not it was written.
+        QCOMPARE(state().Host.Folder, parts.Folder);
+        if (saved) {
+            QVERIFY(mvPath::Same(d->Path(), target));
+            QCOMPARE(account->ReadItem(parts.Folder, parts.ItemID),
+                     text.toLatin1().replace("\r", ""));
+            QVERIFY(!d->IsDirty());
+            QVERIFY(!d->View()->Title().endsWith(QStringLiteral("(New)")));
+            const qint64 expectedHolder =
+                targetLockedByOther ? holder->Pid() : (locking ? ::getpid() : 0);
+            QCOMPARE(account->LockHolder(parts.Folder, parts.ItemID), expectedHolder);
+            if (!mvPath::Same(target, bp("HELLO")))
+                QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
+        } else {
+            // Untouched: the same resource, text, modified state and lock.
+            QCOMPARE(d->ItemID(), QStringLiteral("HELLO"));
+            QCOMPARE(d->Text(), text);
+            QVERIFY(d->IsDirty());
+            QCOMPARE(account->ReadItem(parts.Folder, parts.ItemID), before);
+            QCOMPARE(account->LockHolder("BP", "HELLO"), heldHello ? qint64(::getpid()) : 0);
+            if (!targetLockedByOther && !mvPath::Same(target, bp("HELLO")))
+                QCOMPARE(account->LockHolder(parts.Folder, parts.ItemID), qint64(0));
+        }
+    }
+
+    void fileSaveAs_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("saved");
+        QTest::addColumn<QStringList>("messages");
+        QTest::newRow("item") << bp("COPY") << true << QStringList();
+        QTest::newRow("folder") << HostAccountFixture::ItemPath("BP", "") << false
+                                << QStringList{"Cannot save document - file name and/or item ID "
+                                               "missing!"};
+        QTest::newRow("unknown account") << "mvdb://*/NOBODY/BP/X" << false
+                                         << QStringList{"There is no account \"NOBODY\" on test."};
+    }
+    void fileSaveAs() {
+        QFETCH(QString, path);
+        QFETCH(bool, saved);
+        QFETCH(QStringList, messages);
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileNew());
+        QTest::keyClicks(d->Editor(), QStringLiteral("END"));
+        QCOMPARE(d->FileSaveAs(path), saved);
+        QCOMPARE(answers->Texts(), messages);
+        if (saved)
+            QCOMPARE(account->ReadItem("BP", "COPY"), QByteArray("END"));
+    }
+
+    // Save As through the browser: the recent list follows the document to its new name.
+    void saveAsCommand_data() {
+        QTest::addColumn<bool>("cancel");
+        QTest::newRow("saved") << false;
+        QTest::newRow("cancelled") << true;
+    }
+    void saveAsCommand() {
+        QFETCH(bool, cancel);
+        auto d = editedItem("HELLO", "* copy\n");
+        QVERIFY(d);
+        Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/HELLO"));
+        Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/ELSE"));
+        QString offered;
+        int suspendedWhileUp = -1;
+        whenBrowserShows([&](frmBrowse& browser) {
+            auto* name = browser.findChild<QLineEdit*>(QStringLiteral("txtName"));
+            offered = name->text();
+            suspendedWhileUp = modAutoRecover::Suspensions();
+            if (cancel) {
+                browser.reject();
+                return;
+            }
+            name->setText(QStringLiteral("HELLO.COPY"));
+            browser.accept();
+        });
+        frame->SaveDocumentAs(d);
+        QCOMPARE(offered, QStringLiteral("HELLO"));
+        QCOMPARE(suspendedWhileUp, 1);
+        if (cancel) {
+            QCOMPARE(d->ItemID(), QStringLiteral("HELLO"));
+            QVERIFY(d->IsDirty());
+            QCOMPARE(recentItems(), (QStringList{"mvdb://*/*/BP/ELSE", "mvdb://*/*/BP/HELLO"}));
+            return;
+        }
+        QCOMPARE(d->ItemID(), QStringLiteral("HELLO.COPY"));
+        QVERIFY(account->ReadItem("BP", "HELLO.COPY").startsWith("* copy\n"));
+        QVERIFY(!account->ReadItem("BP", "HELLO").startsWith("* copy"));
+        QCOMPARE(recentItems(), (QStringList{"mvdb://*/*/BP/HELLO.COPY", "mvdb://*/*/BP/ELSE"}));
+        QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
+        QCOMPARE(account->LockHolder("BP", "HELLO.COPY"), qint64(::getpid()));
+    }
+
+    // The Save command runs Save As for a document that was never saved.
+    void saveDocumentOfANewDocumentAsksForAName() {
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileNew());
+        QTest::keyClicks(d->Editor(), QStringLiteral("END"));
+        state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
+                        QStringLiteral("LIB")};
+        whenBrowserShows([](frmBrowse& browser) {
+            browser.findChild<QLineEdit*>(QStringLiteral("txtName"))->setText(QStringLiteral("N1"));
+            browser.accept();
+        });
+        frame->SaveDocument(d);
+        QCOMPARE(account->ReadItem("LIB", "N1"), QByteArray("END"));
+        QCOMPARE(recentItems(), QStringList{"mvdb://*/*/LIB/N1"});
+    }
+
+    // FileClose with and without its question, and each answer.
+    void fileClose_data() {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<bool>("prompt");
+        QTest::addColumn<int32_t>("reply");
+        QTest::addColumn<bool>("closed");
+        QTest::addColumn<QByteArray>("onDisk");
+        QTest::newRow("Yes saves") << "item" << true << MsgBox::Yes << true << QByteArray("* x\n");
+        QTest::newRow("No discards") << "item" << true << MsgBox::No << true << QByteArray();
+        QTest::newRow("Cancel keeps") << "item" << true << MsgBox::Cancel << false << QByteArray();
+        QTest::newRow("Yes, never saved") << "new" << true << MsgBox::Yes << false << QByteArray();
+        QTest::newRow("No, never saved") << "new" << true << MsgBox::No << true << QByteArray();
+        QTest::newRow("clean") << "clean" << true << 0 << true << QByteArray();
+        QTest::newRow("no prompt") << "item" << false << 0 << true << QByteArray();
+        QTest::newRow("Yes, read only")
+            << "readonly" << true << MsgBox::Yes << false << QByteArray();
+    }
+    void fileClose() {
+        QFETCH(QString, kind);
+        QFETCH(bool, prompt);
+        QFETCH(int32_t, reply);
+        QFETCH(bool, closed);
+        QFETCH(QByteArray, onDisk);
+        const QByteArray before = account->ReadItem("BP", "HELLO");
+        auto d = mvDocument::Create();
+        if (kind == "new")
+            QVERIFY(d->FileNew());
+        else
+            QVERIFY(d->FileOpen(bp("HELLO"), kind == "readonly"));
+        if (kind != "clean") {
+            d->Editor()->SetCursor(0, 0);
+            d->SetSelText(QStringLiteral("* x\n"));
+        }
+        const QString name = d->DisplayName();
+        const QString key = QString::number(d->DocumentNumber());
+        bool inCollection = true;
+        bool hadResource = false;
+        int raised = 0;
+        // The connection ends with the test, though the document may live on.
+        QObject scope;
+        connect(d.get(), &mvDocument::DocumentClose, &scope, [&] {
+            inCollection = state().Documents->Contains(key);
+            hadResource = d->DocumentResource() != nullptr;
+            ++raised;
+        });
+        if (reply)
+            answers->Push(reply);
+        QCOMPARE(d->FileClose(prompt), closed);
+
+        QStringList asked;
+        if (reply)
+            asked << QStringLiteral("Save changes to ") + name + QStringLiteral(" ?");
+        if (kind == "readonly")
+            asked << QStringLiteral("Cannot save BP HELLO - document is read-only!");
+        QCOMPARE(answers->Texts(), asked);
+        if (reply)
+            QCOMPARE(answers->Seen[0].Buttons, (QStringList{"&Yes", "&No", "Cancel"}));
+        QCOMPARE(raised, closed ? 1 : 0);
+        QCOMPARE(state().Documents->Contains(key), !closed);
+        if (closed) {
+            QVERIFY(!inCollection);
+            QCOMPARE(hadResource, kind != "new");
+            QVERIFY(!d->DocumentResource());
+            QVERIFY(!d->View());
+        } else {
+            QVERIFY(d->View());
+            QVERIFY(d->IsDirty());
+        }
+        QCOMPARE(account->ReadItem("BP", "HELLO"), onDisk + before);
+        if (kind != "new")
+            QCOMPARE(account->LockHolder("BP", "HELLO"),
+                     closed || kind == "readonly" ? 0 : qint64(::getpid()));
+    }
+
+    void closingTheLastDocumentHidesThePanes() {
+        auto a = mvDocument::Create();
+        auto b = mvDocument::Create();
+        QVERIFY(a->FileNew() && b->FileNew());
+        frame->ShowDocumentPanes(true);
+        auto visiblePanes = [this] {
+            int visible = 0;
+            for (const QLabel* pane : frame->statusBar()->findChildren<QLabel*>())
+                visible += pane->isVisible();
+            return visible;
+        };
+        const int shown = visiblePanes();
+        QVERIFY(a->FileClose(false));
+        QCOMPARE(visiblePanes(), shown);
+        QVERIFY(b->FileClose(false));
+        QCOMPARE(visiblePanes(), shown - 2);
+    }
+
+    // PromptToSave with the button sets its callers use, and the choice it reports.
+    void promptToSave_data() {
+        QTest::addColumn<int16_t>("buttons");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<int32_t>("reply");
+        QTest::addColumn<bool>("dirty");
+        QTest::addColumn<int16_t>("choice");
+        QTest::addColumn<bool>("written");
+        const QString compile = QStringLiteral(
+            "Program has not been saved. Do you want\r\nto save the file, then compile the "
+            "program?");
+        QTest::newRow("clean") << int16_t(MsgBox::YesNoCancel) << QString() << 0 << false
+                               << int16_t(frmMain::SavedOrClean) << false;
+        QTest::newRow("Yes") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::Yes << true
+                             << int16_t(frmMain::SavedOrClean) << true;
+        QTest::newRow("No") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::No << true
+                            << int16_t(frmMain::Declined) << false;
+        QTest::newRow("Cancel") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::Cancel
+                                << true << int16_t(frmMain::Cancelled) << false;
+        QTest::newRow("OK of OK, Cancel") << int16_t(MsgBox::OKCancel) << compile << MsgBox::OK
+                                          << true << int16_t(frmMain::SavedOrClean) << true;
+        QTest::newRow("Cancel of OK, Cancel")
+            << int16_t(MsgBox::OKCancel) << compile << MsgBox::Cancel << true
+            << int16_t(frmMain::Cancelled) << false;
+    }
+    void promptToSave() {
+        QFETCH(int16_t, buttons);
+        QFETCH(QString, message);
+        QFETCH(int32_t, reply);
+        QFETCH(bool, dirty);
+        QFETCH(int16_t, choice);
+        QFETCH(bool, written);
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileOpen(bp("HELLO"), false));
+        const QByteArray before = account->ReadItem("BP", "HELLO");
+        if (dirty)
+            QTest::keyClicks(d->Editor(), QStringLiteral("*"));
+        if (reply)
+            answers->Push(reply);
+        QCOMPARE(frame->PromptToSave(d, message, buttons), choice);
+        QCOMPARE(answers->Seen.size(), reply ? 1 : 0);
+        if (reply) {
+            QCOMPARE(answers->Seen[0].Text, message.isEmpty()
+                                                ? QStringLiteral("Save changes to BP HELLO ?")
+                                                : QString(message).replace("\r\n", "\n"));
+            QCOMPARE(answers->Seen[0].Icon, int(QMessageBox::Question));
+        }
+        QCOMPARE(account->ReadItem("BP", "HELLO") != before, written);
+    }
+
+    // A failed save in PromptToSave stops the close at that document.
+    void failedSaveWhileClosingKeepsTheDocument() {
+        auto d = editedItem("HELLO", QString::fromUtf8("\xe2\x82\xac"));
+        QVERIFY(d);
+        answers->Push(MsgBox::Yes);
+        QCOMPARE(frame->CloseDocument(d), int16_t(frmMain::Cancelled));
+        QCOMPARE(answers->Seen.size(), 2);
+        QVERIFY(state().Documents->Contains(QString::number(d->DocumentNumber())));
+        QVERIFY(d->IsDirty());
+    }
+
+    // Closing the frame with five unsaved documents: the answers go one by one, and Cancel
+    // on the third keeps the program up with three documents open.
+    void closingTheFrameAsksPerDocument() {
+        account->WriteItem("BP", "EXTRA", "END\n");
+        const QStringList items{"HELLO", "FORMAT.AMOUNT", "INVOICE.EQUATES", "INVOICE.TOTALS",
+                                "EXTRA"};
+        std::vector<std::shared_ptr<mvDocument>> documents;
+        for (const QString& item : items) {
+            auto d = editedItem(item, "* edited\n");
+            QVERIFY(d);
+            documents.push_back(d);
+        }
+        const QByteArray secondBefore = account->ReadItem("BP", "FORMAT.AMOUNT");
+        answers->Push({MsgBox::Yes, MsgBox::No, MsgBox::Cancel});
+        QCloseEvent event;
+        QCoreApplication::sendEvent(frame, &event);
+        QVERIFY(!event.isAccepted());
+        QVERIFY(frame->isVisible());
+        QCOMPARE(answers->Texts(),
+                 (QStringList{"Save changes to BP HELLO ?", "Save changes to BP FORMAT.AMOUNT ?",
+                              "Save changes to BP INVOICE.EQUATES ?"}));
+        QVERIFY(account->ReadItem("BP", "HELLO").startsWith("* edited\n"));
+        QCOMPARE(account->ReadItem("BP", "FORMAT.AMOUNT"), secondBefore);
+        QCOMPARE(state().Documents->Count(), 3);
+        QCOMPARE(frame->DocumentCount, int16_t(3));
+        QCOMPARE(state().Documents->At(0), documents[2]);
+        QVERIFY(documents[2]->IsDirty());
+
+        // The rest, declined: all close and the walk reports it.
+        answers->Push({MsgBox::No, MsgBox::No, MsgBox::No});
+        QVERIFY(frame->CloseAllDocuments());
+        QCOMPARE(state().Documents->Count(), 0);
+    }
+
+    // Killing the process at any moment of a save leaves the old text or the new one, and
+    // the item stays readable and writable.
+    void killedSavesLeaveOneWholeVersion() {
+        const QByteArray original = account->ReadItem("BP", "HELLO");
+        const QByteArray versions[2] = {version(0), version(1)};
+        // Measure one save of the child, to spread the kills over several of them.
+        QElapsedTimer clock;
+        QProcess child;
+        HostAccountFixture::StartChild(child, "saveloop", account->ProfilesFile(), bp("HELLO"));
+        QVERIFY(child.waitForReadyRead(60000));
+        QCOMPARE(child.readLine().trimmed(), QByteArray("ready"));
+        clock.start();
+        int saves = 0;
+        while (saves < 4 && child.waitForReadyRead(60000))
+            saves += child.readAll().count("saved");
+        const qint64 perSave = std::max<qint64>(1, clock.elapsed() / std::max(saves, 1));
+        child.kill();
+        child.waitForFinished();
+
+        int seen[3] = {0, 0, 0};
+        const int rounds = 24;
+        for (int round = 0; round < rounds; ++round) {
+            account->WriteItem("BP", "HELLO", original);
+            QProcess saver;
+            HostAccountFixture::StartChild(saver, "saveloop", account->ProfilesFile(), bp("HELLO"));
+            QVERIFY(saver.waitForReadyRead(60000));
+            // From the first save's start to well into the third, in even steps.
+            QTest::qSleep(static_cast<int>(perSave * 3 * round / rounds));
+            ::kill(static_cast<pid_t>(saver.processId()), SIGKILL);
+            QVERIFY(saver.waitForFinished(30000));
+            const QByteArray onDisk = account->ReadItem("BP", "HELLO");
+            const int which = onDisk == versions[0] ? 0 : onDisk == versions[1] ? 1 : 2;
+            QVERIFY2(
+                which < 2 || onDisk == original,
+                qPrintable(
+                    QStringLiteral("round %1: %2 bytes on disk").arg(round).arg(onDisk.size())));
+            ++seen[which];
+        }
+        const int strays =
+            QDir(account->Accounts() + QStringLiteral("/DEMO/BP"))
+                .entryList({QStringLiteral(".brix-save-*")}, QDir::Files | QDir::Hidden)
+                .size();
+        qInfo("killed %d saves (%lld ms each): original %d, first version %d, second %d; %d "
+              "temporary files left",
+              rounds, perSave, seen[2], seen[0], seen[1], strays);
+        QVERIFY(seen[0] + seen[1] > 0);
+
+        // Left-over temporary files neither show as items nor stop a read or a save.
+        const auto listing =
+            std::static_pointer_cast<HostResource>(resource(HostAccountFixture::ItemPath("BP", "")))
+                ->Children();
+        for (const auto& child : listing)
+            QVERIFY2(!child.Name.startsWith('.'), qPrintable(child.Name));
+        auto d = mvDocument::Create();
+        QVERIFY(d->FileOpen(bp("HELLO"), false));
+        QVERIFY(d->Text().size() > 100000);
+        d->SetText(QStringLiteral("END\n"));
+        QVERIFY(d->FileSave());
+        QCOMPARE(account->ReadItem("BP", "HELLO"), QByteArray("END\n"));
+    }
+};
+
+BRIX_TEST_MAIN(tst_modSave)
+#include "tst_modSave.moc"
