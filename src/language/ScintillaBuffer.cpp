@@ -220,18 +220,19 @@ void ScintillaBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t
 
 int ScintillaBuffer::scanInto(int32_t line, std::vector<SourceToken>& tokens) {
     const int32_t byteCount = fetchLine(line);
-    scanBytes(line, lineBytes_.data(), byteCount, tokens);
+    scanBytes(line, lineBytes_.data(), byteCount, &tokens);
     return byteCount;
 }
 
 void ScintillaBuffer::scanBytes(int32_t line, const char* bytes, int32_t byteCount,
-                                std::vector<SourceToken>& tokens) {
-    tokens.clear();
+                                std::vector<SourceToken>* tokens) {
+    if (tokens)
+        tokens->clear();
     decodeLine(bytes, byteCount);
     const auto length = static_cast<int32_t>(lineText_.size());
     if (!lex_) {
-        if (length > 0)
-            tokens.push_back({TokenKind::Plain, 0, length});
+        if (tokens && length > 0)
+            tokens->push_back({TokenKind::Plain, 0, length});
         return;
     }
     // The scanner asks for the line's length and stores its flags: both are answered
@@ -246,7 +247,8 @@ void ScintillaBuffer::scanBytes(int32_t line, const char* bytes, int32_t byteCou
         lex_->ISourceLex4_ScanToken(token);
         if (token.Kind == TokenKind::End || token.Length <= 0)
             break;
-        tokens.push_back(token);
+        if (tokens)
+            tokens->push_back(token);
     }
     bool rescanOthers = false;
     lex_->ISourceLex4_EndLineScan(*this, rescanOthers);
@@ -297,8 +299,9 @@ void ScintillaBuffer::UpdateLines(int32_t first, int32_t last, int32_t& scanTo) 
     const bool updates = viewport->updatesEnabled();
     if (updates && last - first > 64)
         viewport->setUpdatesEnabled(false);
+    // Only the flags are wanted here: the tokens are not kept.
     forEachLine(first, last, [&](int32_t line, const char* bytes, int32_t count, int32_t) {
-        scanBytes(line, bytes, count, tokens_);
+        scanBytes(line, bytes, count, nullptr);
     });
     if (updates && !viewport->updatesEnabled())
         viewport->setUpdatesEnabled(true);
@@ -327,7 +330,7 @@ void ScintillaBuffer::StyleLines(int32_t first, int32_t last) {
         return;
     styleBytes_.clear();
     forEachLine(first, last, [&](int32_t line, const char* bytes, int32_t byteCount, int32_t eol) {
-        scanBytes(line, bytes, byteCount, tokens_);
+        scanBytes(line, bytes, byteCount, &tokens_);
         const size_t lineStart = styleBytes_.size();
         styleBytes_.append(static_cast<size_t>(byteCount + eol), static_cast<char>(kDefaultStyle));
         char* styles = styleBytes_.data() + lineStart;

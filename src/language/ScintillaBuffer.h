@@ -84,7 +84,7 @@ private:
     void decodeLine(const char* bytes, int32_t byteCount) const;
     // Runs the scanner over one line's bytes.
     void scanBytes(int32_t line, const char* bytes, int32_t byteCount,
-                   std::vector<SourceToken>& tokens);
+                   std::vector<SourceToken>* tokens);
     // Calls fn(line, bytes, byteCount, lineEndLength) for each line of a range.
     template <typename Fn> void forEachLine(int32_t first, int32_t last, Fn&& fn);
     int32_t clampLine(int32_t line) const;
