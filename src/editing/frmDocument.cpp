@@ -74,6 +74,8 @@ void frmDocument::Load() {
         const QPoint at = txtText_->viewport()->mapFromGlobal(globalPos);
         Q_EMIT ContextMenuRequested(WordKindAt(at.x(), at.y()), globalPos);
     });
+    if (frame_)
+        connect(this, &frmDocument::ContextMenuRequested, frame_, &frmMain::ShowContextMenu);
     txtText_->installEventFilter(this);
     txtText_->viewport()->installEventFilter(this);
     connect(&txtText_->Buffer(), &ScintillaBuffer::ModifiedChanged, this, [this] {

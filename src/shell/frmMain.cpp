@@ -9,7 +9,9 @@
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
 #include "documents/mvResource.h"
+#include "editing/WordKind.h"
 #include "editing/frmDocument.h"
+#include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
@@ -24,6 +26,7 @@
 #include "shell/KeyboardFilter.h"
 #include "support/MsgBoxEx.h"
 #include "support/ShowError.h"
+#include "support/UnicodeClipboard.h"
 
 #include <QAction>
 #include <QApplication>
@@ -163,6 +166,26 @@ void frmMain::changeEvent(QEvent* event) {
         UpdateToolBar();
         stuckFocusTimer_->start(100);
     }
+}
+
+void frmMain::ShowContextMenu(int16_t kind, const QPoint& globalPos) {
+    const auto document = ActiveDocument();
+    auto set = [this](const char* key, bool enabled) {
+        if (CommandTool* tool = bar_->Tool(QStringLiteral("Popup"), QLatin1String(key)))
+            tool->SetEnabled(enabled && CommandDispatcher::Handles(tool->Key()));
+    };
+    set("ctxGoto", kind == WordKind::GotoTarget);
+    set("ctxOpen", kind == WordKind::CallName || kind == WordKind::IncludeItem);
+    const SourceView* editor = document ? document->Editor() : nullptr;
+    const bool selection = editor && editor->HasSelection();
+    for (const char* key : {"Cut", "Copy", "Clear"})
+        set(key, selection);
+    // The popup follows the clipboard, unlike the menu.
+    set("Paste", UnicodeClipboard::TextAvailable());
+    // Undo is refreshed on the tool bar only; the popup's keeps its state.
+    if (CommandTool* undo = bar_->Tool(QStringLiteral("toolbar"), QStringLiteral("Undo")))
+        undo->SetEnabled(editor && editor->Buffer().CanUndo());
+    bar_->ShowPopup(QStringLiteral("Popup"), globalPos);
 }
 
 void frmMain::NextDocument(bool previous) {

@@ -75,6 +75,8 @@ public:
     void SaveAllDocuments();
     // Closes the documents, then the frame.
     void ExitApplication();
+    // The editor's context menu at `globalPos`, set up for the word under it (a WordKind).
+    void ShowContextMenu(int16_t kind, const QPoint& globalPos);
     // Activates the next (or previous) document window; with a window that didn't change
     // on the first step, steps once more.
     void NextDocument(bool previous);

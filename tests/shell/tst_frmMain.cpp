@@ -5,20 +5,27 @@
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
+#include "language/LineNumberGutter.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
 #include "settings/clsRecentList.h"
 #include "shell/CommandBar.h"
+#include "shell/CommandDispatcher.h"
 #include "shell/CommandState.h"
+#include "shell/DocumentTabs.h"
 #include "shell/frmMain.h"
 #include "support/MsgBoxEx.h"
 #include "support/UnicodeClipboard.h"
 
 #include <QClipboard>
+#include <QDialog>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QMimeData>
+#include <QTabBar>
 #include <QToolBar>
 
 // The frame driven as a user would: the command bars' state for each kind of document,
@@ -346,6 +353,118 @@ private Q_SLOTS:
         two->Action()->trigger();
         settle();
         QCOMPARE(frame->ActiveDocument(), second);
+    }
+
+    void marginSelectsWholeLines() {
+        auto document = dirtyNew();
+        SourceView* editor = document->Editor();
+        editor->Buffer().SetAllText(QStringLiteral("A\nBB\nCCC\nDDDD\nEEEEE"));
+        Q_EMIT editor->Gutter().LinePressed(3, Qt::NoModifier);
+        int32_t sc = 0, sl = 0, ec = 0, el = 0;
+        editor->GetSelection(sc, sl, ec, el);
+        QCOMPARE(QList<int>({sc, sl, ec, el}), QList<int>({0, 3, 4, 3}));
+        // Shift extends from the anchor, upwards too.
+        Q_EMIT editor->Gutter().LinePressed(1, Qt::ShiftModifier);
+        editor->GetSelection(sc, sl, ec, el);
+        QCOMPARE(QList<int>({sc, sl, el}), QList<int>({0, 1, 3}));
+        settle();
+        QVERIFY(tool("toolbar", "Cut")->Enabled());
+        editor->SetCursor(0, 0);
+        settle();
+        QVERIFY(!tool("toolbar", "Cut")->Enabled());
+    }
+
+    void editorKeys() {
+        auto document = dirtyNew();
+        SourceView* editor = document->Editor();
+        editor->Buffer().SetAllText(QStringLiteral("AB"));
+        editor->setFocus();
+        QTRY_VERIFY(editor->hasFocus());
+        editor->SetCursor(1, 0);
+        QTest::keyClick(editor, Qt::Key_BracketRight, Qt::ControlModifier);
+        QTest::keyClick(editor, Qt::Key_Backslash, Qt::ControlModifier);
+        QCOMPARE(editor->Buffer().GetLine(0), QStringLiteral("A\x1d\x1c"
+                                                             "B"));
+        // One undo step per mark, as the Insert menu gives.
+        editor->Buffer().Undo();
+        QCOMPARE(editor->Buffer().GetLine(0), QStringLiteral("A\x1d"
+                                                             "B"));
+
+        editor->SetSelection(0, 0, 1, 0);
+        QTest::keyClick(editor, Qt::Key_Insert, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("A"));
+        QTest::keyClick(editor, Qt::Key_Delete, Qt::ShiftModifier);
+        QCOMPARE(editor->Buffer().GetLine(0), QStringLiteral("\x1d"
+                                                             "B"));
+        editor->SetCursor(2, 0);
+        QTest::keyClick(editor, Qt::Key_Insert, Qt::ShiftModifier);
+        QCOMPARE(editor->Buffer().GetLine(0), QStringLiteral("\x1d"
+                                                             "BA"));
+    }
+
+    void tabCloseAsksAndCancelKeepsIt() {
+        auto document = dirtyNew();
+        settle();
+        QTabBar* tabs = frame->Tabs().TabBar();
+        QCOMPARE(tabs->count(), 1);
+        BoxAnswers answers;
+        answers.Push(MsgBox::Cancel);
+        frame->Tabs().CloseTab(0);
+        settle();
+        QCOMPARE(answers.Seen.size(), 1);
+        QCOMPARE(tabs->count(), 1);
+        QCOMPARE(state().Documents->Count(), 1);
+        answers.Push(MsgBox::No);
+        frame->Tabs().CloseTab(0);
+        settle();
+        QCOMPARE(tabs->count(), 0);
+        QCOMPARE(state().Documents->Count(), 0);
+    }
+
+    void tabMenuFollowsMinMaxClose_data() {
+        QTest::addColumn<bool>("minMaxClose");
+        QTest::newRow("plain windows") << false;
+        QTest::newRow("windows with buttons") << true;
+    }
+    void tabMenuFollowsMinMaxClose() {
+        QFETCH(bool, minMaxClose);
+        Settings().MinMaxClose = minMaxClose;
+        dirtyNew();
+        settle();
+        QTabBar* tabs = frame->Tabs().TabBar();
+        frame->Tabs().ShowTabMenu(tabs->tabRect(0).center());
+        QMenu* menu = frame->Bar().PopupMenu(QStringLiteral("tabctx"));
+        QTRY_VERIFY(menu->isVisible());
+        menu->close();
+        QVERIFY(tool("tabctx", "tab_activate")->Visible());
+        QVERIFY(tool("tabctx", "tab_close")->Visible());
+        QCOMPARE(tool("tabctx", "tab_min")->Visible(), minMaxClose);
+        QCOMPARE(tool("tabctx", "tab_max")->Visible(), minMaxClose);
+        if (minMaxClose)
+            QVERIFY(tool("tabctx", "tab_max")->Checked());
+        Settings().MinMaxClose = false;
+    }
+
+    void unknownKeysDoNothing() {
+        frame->Dispatcher().Dispatch(QStringLiteral("NoSuchTool"), false);
+        QString seen;
+        frame->Dispatcher().UserTool = [&seen](const QString& key,
+                                               const std::shared_ptr<mvDocument>&) { seen = key; };
+        frame->Dispatcher().Dispatch(QStringLiteral("UserTool7"), false);
+        frame->Dispatcher().UserTool = nullptr;
+        QCOMPARE(seen, QStringLiteral("UserTool7"));
+    }
+
+    void aboutBox() {
+        QTimer::singleShot(0, [] {
+            auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            QVERIFY(box->findChild<QLabel*>(QStringLiteral("lblVersion"))
+                        ->text()
+                        .contains(QStringLiteral(BRIX_VERSION)));
+            box->accept();
+        });
+        tool("Help", "HelpAbout")->Action()->trigger();
     }
 };
 
