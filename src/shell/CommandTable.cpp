@@ -5,6 +5,8 @@
 #include <QIcon>
 #include <QLabel>
 #include <QMenu>
+#include <QPainter>
+#include <QPixmap>
 
 namespace {
 
@@ -91,8 +93,7 @@ constexpr BarTool BarTools[] = {
     {"New", "&New", "Create a new document", false, "document-new"},
     {"Open", "&Open", "Open existing document", false, "document-open"},
     {"Save", "&Save", "Save current document", false, "document-save"},
-    {"SaveAll", "Sa&ve All", "Saves all open documents that have been changed", false,
-     "document-save-all"},
+    {"SaveAll", "Sa&ve All", "Saves all open documents that have been changed", false, "=S+"},
     {"Print", "&Print", "Print the current document", true, "document-print"},
     {"Undo", "&Undo", "Undo last editing operation", true, "edit-undo"},
     {"Redo", "Redo", "Redo last editing operation", false, "edit-redo"},
@@ -102,14 +103,14 @@ constexpr BarTool BarTools[] = {
     {"Clear", "Clear", "Clear", false, "edit-delete"},
     {"IndentBlock", "&Indent", "Indents currently selected lines", true, "format-indent-more"},
     {"OutdentBlock", "&Outdent", "Outdents currently selected lines", false, "format-indent-less"},
-    {"CommentBlock", "Comment", "Comment selected lines", true, ""},
-    {"UncommentBlock", "Uncomment", "Uncomment selected lines", false, ""},
+    {"CommentBlock", "Comment", "Comment selected lines", true, "=*"},
+    {"UncommentBlock", "Uncomment", "Uncomment selected lines", false, "=-*"},
     {"Goto", "Goto", "Positions cursor on specified line or label", true, "go-jump"},
     {"Find", "&Fine", "Search for text in document (press F3 to find next)", false, "edit-find"},
-    {"ValueMark", "Value Mark", "Insert value-mark at current position", true, ""},
-    {"SubValueMark", "SubValue Mark", "Insert sub-value-mark at current position", false, ""},
+    {"ValueMark", "Value Mark", "Insert value-mark at current position", true, "=]"},
+    {"SubValueMark", "SubValue Mark", "Insert sub-value-mark at current position", false, "=\\"},
     {"ToggleCase", "&Toggle Case", "Toggles case of selected text (upper, lower, mixed)", false,
-     "format-text-uppercase"},
+     "=Aa"},
     {"Highlight", "&Highlight", "Toggles syntax highlighting on or off", true, "format-text-bold"},
     {"Format", "&Format", "Format code", false, "format-justify-left"},
     {"Compile", "&Compile", "Compile code", false, "system-run"},
@@ -162,6 +163,39 @@ QString text(const char* value) {
     return QString::fromLatin1(value);
 }
 
+// A name starting "=" is drawn here: its text in a small square, for tools that no
+// desktop theme has an icon for.
+QIcon drawnIcon(const QString& label) {
+    QPixmap pixmap(32, 32);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QFont font = painter.font();
+    font.setBold(true);
+    font.setPixelSize(label.size() > 2 ? 15 : 20);
+    painter.setFont(font);
+    painter.setPen(QColor(0x30, 0x30, 0x60));
+    painter.drawText(pixmap.rect(), Qt::AlignCenter, label);
+    painter.end();
+    return QIcon(pixmap);
+}
+
+// The desktop theme's icon, or its symbolic form, which is all some themes ship; without
+// a desktop theme, Adwaita when it is installed.
+QIcon themeIcon(const QString& name) {
+    if (name.isEmpty())
+        return QIcon();
+    if (name.startsWith(QLatin1Char('=')))
+        return drawnIcon(name.mid(1));
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
+        QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
+    for (const QString& candidate :
+         {name, name + QStringLiteral("-symbolic"), name + QStringLiteral("-symbolic.symbolic")})
+        if (QIcon::hasThemeIcon(candidate))
+            return QIcon::fromTheme(candidate);
+    return QIcon();
+}
+
 template <size_t N>
 void buildPopup(CommandBar& bar, const QString& key, const PopupTool (&tools)[N]) {
     CommandBand* band = bar.AddPopup(key);
@@ -190,9 +224,9 @@ void CommandTable::Build(CommandBar& bar) {
         CommandTool* tool =
             toolBar->AddTool(text(entry.Key), text(entry.Caption), type, entry.Group);
         tool->SetToolTip(text(entry.ToolTip));
-        const QString icon = text(entry.Icon);
-        if (!icon.isEmpty() && QIcon::hasThemeIcon(icon))
-            tool->Action()->setIcon(QIcon::fromTheme(icon));
+        const QIcon icon = themeIcon(text(entry.Icon));
+        if (!icon.isNull())
+            tool->Action()->setIcon(icon);
     }
 
     CommandBand* statusBar = bar.Band(QStringLiteral("StatusBar"));
