@@ -3,6 +3,7 @@
 
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
+#include "documents/clsDocView.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
 #include "language/LineNumberGutter.h"
@@ -465,6 +466,74 @@ private Q_SLOTS:
             box->accept();
         });
         tool("Help", "HelpAbout")->Action()->trigger();
+    }
+
+    void saveAllAsksAboutReadOnly_data() {
+        QTest::addColumn<int>("answer");
+        QTest::newRow("go on") << int(MsgBox::OK);
+        QTest::newRow("stop") << int(MsgBox::Cancel);
+    }
+    void saveAllAsksAboutReadOnly() {
+        QFETCH(int, answer);
+        auto first = localFile(QStringLiteral("first.bas"), false);
+        auto locked = localFile(QStringLiteral("locked.bas"), true);
+        auto last = localFile(QStringLiteral("last.bas"), false);
+        QVERIFY(first && locked && last);
+        for (const auto& d : {first, locked, last})
+            d->SetDirty(true);
+        BoxAnswers answers;
+        answers.Push(answer);
+        frame->SaveAllDocuments();
+        QCOMPARE(answers.Seen.size(), 1);
+        QCOMPARE(answers.Seen[0].Text,
+                 QStringLiteral("Document ") + locked->DisplayName() +
+                     QStringLiteral(" is read-only and cannot be saved. Continue with next "
+                                    "document?"));
+        QVERIFY(!first->IsDirty());
+        QVERIFY(locked->IsDirty());
+        QCOMPARE(last->IsDirty(), answer == MsgBox::Cancel);
+    }
+
+    void arrangeChildren() {
+        auto one = dirtyNew();
+        auto two = dirtyNew();
+        settle();
+        QMdiArea* area = frame->MdiArea();
+        const QList<QMdiSubWindow*> windows = area->subWindowList(QMdiArea::CreationOrder);
+        QCOMPARE(windows.size(), 2);
+        tool("Window", "TileHorizontal")->Action()->trigger();
+        settle();
+        QCOMPARE(windows[0]->width(), area->viewport()->width());
+        QVERIFY(windows[1]->y() >= windows[0]->geometry().bottom());
+        tool("Window", "TileVertical")->Action()->trigger();
+        settle();
+        QCOMPARE(windows[0]->height(), area->viewport()->height());
+        QVERIFY(windows[1]->x() >= windows[0]->geometry().right());
+
+        // Maximize toggles the active child.
+        frame->UpdateToolBar();
+        frame->RebuildWindowMenu();
+        tool("Window", "Maximize")->Action()->trigger();
+        QVERIFY(area->activeSubWindow()->isMaximized());
+        tool("Window", "Maximize")->Action()->trigger();
+        QVERIFY(!area->activeSubWindow()->isMaximized());
+    }
+
+    void tabMenuMinimiseToggles() {
+        Settings().MinMaxClose = true;
+        auto document = dirtyNew();
+        settle();
+        QTabBar* tabs = frame->Tabs().TabBar();
+        frame->Tabs().ShowTabMenu(tabs->tabRect(0).center());
+        frame->Bar().PopupMenu(QStringLiteral("tabctx"))->close();
+        clsDocView* view = document->View();
+        tool("tabctx", "tab_min")->Action()->trigger();
+        settle();
+        QCOMPARE(view->WindowState(), int16_t(clsDocView::Minimized));
+        tool("tabctx", "tab_min")->Action()->trigger();
+        settle();
+        QCOMPARE(view->WindowState(), int16_t(clsDocView::Normal));
+        Settings().MinMaxClose = false;
     }
 };
 
