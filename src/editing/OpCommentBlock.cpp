@@ -29,9 +29,14 @@ void OpCommentBlock::ISourceOp_UndoOp(SourceBuffer& buffer) {
 void OpCommentBlock::apply(SourceBuffer& buffer) {
     if (!Ctl)
         return;
-    const Moriox& settings = Options ? *Options : Settings();
-    const int32_t margin = std::max<int32_t>(settings.Margin, 0);
-    range_ = BlockRange::Read(*Ctl);
+    if (!ran_) {
+        const Moriox& settings = Options ? *Options : Settings();
+        margin_ = std::max<int32_t>(settings.Margin, 0);
+        indentStar_ = settings.IndentStar;
+        indentBang_ = settings.IndentBang;
+        range_ = BlockRange::Read(*Ctl);
+        ran_ = true;
+    }
     const int32_t last = range_.LastLine(buffer);
     changes_.assign(static_cast<size_t>(std::max(last - range_.StartLine + 1, 0)), Change{});
     BlockRange moved = range_;
@@ -41,10 +46,10 @@ void OpCommentBlock::apply(SourceBuffer& buffer) {
         const int32_t lead = leadingSpaces(text);
         if (Comment) {
             QString mark = QStringLiteral("*");
-            if (settings.IndentStar == 1)
+            if (indentStar_ == 1)
                 change.Column = lead;
-            else if (settings.IndentStar != 2)
-                mark.prepend(QString(margin, QLatin1Char(' ')));
+            else if (indentStar_ != 2)
+                mark.prepend(QString(margin_, QLatin1Char(' ')));
             change.Count = static_cast<int32_t>(mark.size());
             BlockRange::Insert(buffer, change.Column, line, mark);
             moved.Shift(line, 0, 1);
@@ -55,9 +60,9 @@ void OpCommentBlock::apply(SourceBuffer& buffer) {
         const QChar mark = text.at(lead);
         int16_t mode = 0;
         if (mark == QLatin1Char('*'))
-            mode = settings.IndentStar;
+            mode = indentStar_;
         else if (mark == QLatin1Char('!'))
-            mode = settings.IndentBang;
+            mode = indentBang_;
         else
             continue;
         // With the mark at the margin the indentation belongs to it and goes too.

@@ -89,25 +89,25 @@ void OpFormat::LevelChange(int32_t f, int32_t& before, int32_t& after) {
 }
 
 void OpFormat::ISourceOp_DoOp(SourceBuffer& buffer) {
-    int32_t column = 0;
-    int32_t line = 0;
-    hadSelection_ = false;
-    if (Ctl) {
-        column = Ctl->CursorCol();
-        line = Ctl->CursorLine();
-        hadSelection_ = Ctl->HasSelection();
-        if (hadSelection_)
-            Ctl->GetSelection(anchorColumn_, anchorLine_, caretColumn_, caretLine_);
-    }
-    if (!hadSelection_) {
-        anchorColumn_ = caretColumn_ = column;
-        anchorLine_ = caretLine_ = line;
+    if (!ran_) {
+        hadSelection_ = false;
+        if (Ctl) {
+            caretColumn_ = Ctl->CursorCol();
+            caretLine_ = Ctl->CursorLine();
+            hadSelection_ = Ctl->HasSelection();
+            if (hadSelection_)
+                Ctl->GetSelection(anchorColumn_, anchorLine_, caretColumn_, caretLine_);
+        }
+        const Moriox& settings = Options ? *Options : Settings();
+        tabSize_ = std::max<int32_t>(settings.TabSize, 0);
+        margin_ = std::max<int32_t>(settings.Margin, 0);
+        indentStar_ = settings.IndentStar;
+        indentBang_ = settings.IndentBang;
+        ran_ = true;
     }
     records_.assign(static_cast<size_t>(buffer.NumLines()), LineRecord{});
-    const Moriox& settings = Options ? *Options : Settings();
-    FormatLines(buffer, std::max<int32_t>(settings.TabSize, 0),
-                std::max<int32_t>(settings.Margin, 0), settings.IndentStar, settings.IndentBang);
-    finish(buffer, column, line);
+    FormatLines(buffer, tabSize_, margin_, indentStar_, indentBang_);
+    finish(buffer, caretColumn_, caretLine_);
 }
 
 void OpFormat::FormatLines(SourceBuffer& buffer, int32_t tabSize, int32_t margin,

@@ -12,7 +12,8 @@ class SourceControl;
 // Re-indents a whole program as one undoable step. It doesn't parse: the block level comes
 // from the flags the lexer left on every line, so what counts as a block is what the
 // keyword table says. Only spaces change: in front of a line or its label, behind a label,
-// and at the end of a line. Every line must carry fresh flags before the run.
+// and at the end of a line. Every line must carry fresh flags before the run. The first run
+// fixes the settings and the caret it starts from; a redo measures the lines anew with them.
 class OpFormat final : public ISourceOp {
 public:
     std::shared_ptr<SourceControl> Ctl;
@@ -48,6 +49,8 @@ private:
     void finish(SourceBuffer& buffer, int32_t column, int32_t line);
 
     std::vector<LineRecord> records_;
+    bool ran_ = false;
+    int32_t tabSize_ = 0, margin_ = 0, indentStar_ = 0, indentBang_ = 0;
     // The caret and selection before the run; undo gives them back.
     bool hadSelection_ = false;
     int32_t anchorColumn_ = 0, anchorLine_ = 0, caretColumn_ = 0, caretLine_ = 0;

@@ -16,8 +16,11 @@ void OpIndentBlock::ISourceOp_UndoOp(SourceBuffer& buffer) {
 void OpIndentBlock::shift(SourceBuffer& buffer) {
     if (!Ctl)
         return;
-    range_ = BlockRange::Read(*Ctl);
-    step_ = std::max(Ctl->TabSize(), 0);
+    if (!ran_) {
+        range_ = BlockRange::Read(*Ctl);
+        step_ = std::max(Ctl->TabSize(), 0);
+        ran_ = true;
+    }
     taken_.clear();
     BlockRange moved = range_;
     const QString spaces(step_, QLatin1Char(' '));

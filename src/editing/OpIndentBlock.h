@@ -11,7 +11,8 @@ class SourceControl;
 
 // Shifts the selected lines, or the caret's line, one indent step right or left. A left
 // shift takes only spaces, at most one step; the lines that couldn't give a full step are
-// kept with what they gave, so that undo puts back exactly that.
+// kept with what they gave, so that undo puts back exactly that. The first run fixes the
+// range and the step; a redo repeats exactly that, whatever the caret or the step are then.
 class OpIndentBlock final : public ISourceOp {
 public:
     // True shifts right, false left.
@@ -32,4 +33,5 @@ private:
     BlockRange range_;
     int32_t step_ = 0;
     std::vector<Taken> taken_;
+    bool ran_ = false;
 };

@@ -137,9 +137,14 @@ void OpToggleCase::replaceRange(SourceBuffer& buffer, const QString& text) {
 
 void OpToggleCase::ISourceOp_DoOp(SourceBuffer& buffer) {
     kept_.clear();
-    if (!Ctl || !Ctl->HasSelection())
+    if (!Ctl)
         return;
-    range_ = BlockRange::Read(*Ctl);
+    if (!ran_) {
+        range_ = BlockRange::Read(*Ctl);
+        ran_ = true;
+    }
+    if (!range_.HadSelection)
+        return;
     const QString text = OpReplace::RangeText(buffer, range_.StartColumn, range_.StartLine,
                                               range_.EndColumn, range_.EndLine);
     bool changed = false;

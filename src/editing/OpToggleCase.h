@@ -10,7 +10,8 @@ class SourceControl;
 
 // Moves the case of the selected text one step along mixed -> upper -> lower -> proper ->
 // upper, leaving quoted strings as they are. The first letters of the code decide the
-// step for the whole selection. Undo puts back the text as it was.
+// step for the whole selection. Undo puts back the text as it was. The first run fixes the
+// range; a redo converts the same text again.
 class OpToggleCase final : public ISourceOp {
 public:
     std::shared_ptr<SourceControl> Ctl;
@@ -31,4 +32,5 @@ private:
     BlockRange range_;
     // Empty when the run changed nothing.
     QString kept_;
+    bool ran_ = false;
 };

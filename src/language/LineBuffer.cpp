@@ -127,8 +127,8 @@ void LineBuffer::clampPosition(int32_t& column, int32_t& line) const {
 
 void LineBuffer::insertRaw(int32_t column, int32_t line, const QString& text, int32_t& endColumn,
                            int32_t& endLine) {
-    if (line >= NumLines())
-        column = INT32_MAX;
+    // An insert past the last line goes to the last line, at the column asked for.
+    line = std::min(line, NumLines() - 1);
     clampPosition(column, line);
     QString& target = lines_[static_cast<size_t>(line)].Text;
     if (!text.contains(QLatin1Char('\r')) && !text.contains(QLatin1Char('\n'))) {
@@ -178,8 +178,7 @@ QString LineBuffer::deleteRaw(int32_t startColumn, int32_t startLine, int32_t en
 
 void LineBuffer::InsertText(int32_t column, int32_t line, const QString& text, int32_t,
                             int32_t& endColumn, int32_t& endLine) {
-    if (line >= NumLines())
-        column = INT32_MAX;
+    line = std::min(line, NumLines() - 1);
     clampPosition(column, line);
     insertRaw(column, line, text, endColumn, endLine);
     if (replaying_ == 0 && !text.isEmpty()) {

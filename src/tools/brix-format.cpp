@@ -100,7 +100,7 @@ int formatOne(const Run& run, const QString& name) {
         if (!canonical.isEmpty())
             target = canonical;
         try {
-            input = LocalTransport().ReadFile(target);
+            input = LocalTransport().ReadFile(name);
         } catch (const BrixError& error) {
             complain(error.Description);
             return kFailed;

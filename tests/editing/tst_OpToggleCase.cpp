@@ -1,0 +1,93 @@
+#include "EditHarness.h"
+#include "TestEnv.h"
+
+#include "editing/OpToggleCase.h"
+#include "language/SourceBuffer.h"
+
+class tst_OpToggleCase : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void converts_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("upper goes to lower, strings stay") << "PRINT 'Hello'"
+                                                           << "print 'Hello'";
+        QTest::newRow("lower goes to proper") << "print 'Hello'"
+                                              << "Print 'Hello'";
+        QTest::newRow("mixed goes to upper") << "Print 'Hello'"
+                                             << "PRINT 'Hello'";
+        QTest::newRow("digits only") << "12 + 3"
+                                     << "12 + 3";
+        QTest::newRow("unterminated quote skips only itself") << "X = 'a\r\nFOO \"Bar\" baz"
+                                                              << "x = 'a\r\nfoo \"Bar\" baz";
+        QTest::newRow("the nearer quote wins") << "x = \"Don't\" : y"
+                                               << "X = \"Don't\" : Y";
+        QTest::newRow("a string to the end of the text") << "X = \"abc"
+                                                         << "x = \"abc";
+        QTest::newRow("the sample is 80 characters")
+            << ("ABC" + QString(80, QLatin1Char(' ')) + "def")
+            << ("abc" + QString(80, QLatin1Char(' ')) + "def");
+        QTest::newRow("a later stretch decides") << "'abc' X = 1"
+                                                 << "'abc' x = 1";
+        QTest::newRow("proper case by word") << "cust.rec<2> = f.customers2x"
+                                             << "Cust.Rec<2> = F.Customers2x";
+        QTest::newRow("non-ASCII letters")
+            << QString::fromUtf8("ÉTÉ ß") << QString::fromUtf8("été ß");
+    }
+    void converts() {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        bool changed = true;
+        QCOMPARE(OpToggleCase::Convert(text, changed), expected);
+        QCOMPARE(changed, text != expected);
+    }
+
+    // The selection comes back in its direction; undo gives the old text and selection, and
+    // a run that changes nothing leaves nothing to take back.
+    void togglesSelection_data() {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QList<int>>("selection");
+        QTest::addColumn<QString>("expected");
+        for (const auto kind : {EditHarness::Editor, EditHarness::Memory}) {
+            const char* name = EditHarness::Name(kind);
+            QTest::addRow("backward over lines, %s", name)
+                << int(kind) << QList<int>{3, 2, 2, 0} << "PRint 'A'\ngoto 10\nend = 5|3,2>2,0";
+            QTest::addRow("forward in a line, %s", name)
+                << int(kind) << QList<int>{0, 1, 4, 1} << "PRINT 'A'\ngoto 10\nend = 5|0,1>4,1";
+            QTest::addRow("digits only, %s", name)
+                << int(kind) << QList<int>{5, 1, 7, 1} << "PRINT 'A'\nGOTO 10\nend = 5|5,1>7,1";
+            QTest::addRow("no selection, %s", name)
+                << int(kind) << QList<int>{2, 2, 2, 2} << "PRINT 'A'\nGOTO 10\nend = 5|2,2>2,2";
+        }
+    }
+    void togglesSelection() {
+        QFETCH(int, kind);
+        QFETCH(QList<int>, selection);
+        QFETCH(QString, expected);
+        EditHarness h(static_cast<EditHarness::Kind>(kind));
+        h.SetText(QStringLiteral("PRINT 'A'\nGOTO 10\nend = 5"));
+        h.Select(selection[0], selection[1], selection[2], selection[3]);
+        const QString before = h.State();
+        const auto run = [&] {
+            auto op = std::make_unique<OpToggleCase>();
+            op->Ctl = h.Control();
+            h.Run(std::move(op));
+        };
+        run();
+        QCOMPARE(h.State(), expected);
+        h.Undo();
+        QCOMPARE(h.State(), before);
+        h.Redo();
+        QCOMPARE(h.State(), expected);
+        // Typing behind it and undoing both walks back through both.
+        h.PlaceCaret(0, 2);
+        h.Type(QStringLiteral("Q"));
+        h.Undo();
+        h.Undo();
+        QCOMPARE(h.Text(), before.section(QLatin1Char('|'), 0, 0));
+    }
+};
+
+BRIX_TEST_MAIN(tst_OpToggleCase)
+#include "tst_OpToggleCase.moc"
