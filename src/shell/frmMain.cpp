@@ -159,6 +159,13 @@ void frmMain::StartShutdownTimer() {
 
 void frmMain::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
+    // The document area writes its own caption for maximised children; ours stands.
+    if (event->type() == QEvent::WindowTitleChange && !settingCaption_ &&
+        windowTitle() != caption()) {
+        settingCaption_ = true;
+        setWindowTitle(caption());
+        settingCaption_ = false;
+    }
     if (event->type() != QEvent::ActivationChange)
         return;
     AppActive = isActiveWindow();
@@ -278,11 +285,14 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 void frmMain::SetTitle(const QString& title) {
     title_ = title;
+    setWindowTitle(caption());
+}
+
+QString frmMain::caption() const {
     const frmDocument* child = ActiveDocumentWindow();
     if (child && child->isMaximized())
-        setWindowTitle(title_ + QStringLiteral(" - [") + child->Title() + QStringLiteral("]"));
-    else
-        setWindowTitle(title_);
+        return title_ + QStringLiteral(" - [") + child->Title() + QStringLiteral("]");
+    return title_;
 }
 
 frmDocument* frmMain::ActiveDocumentWindow() const {

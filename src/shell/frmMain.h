@@ -104,6 +104,8 @@ private:
     void unload();
     void buildBars();
     void buildTimers();
+    // The title, with the maximised child's title behind it.
+    QString caption() const;
     void autoSaveTick();
     void stuckFocusTick();
     // The frame's place and bars from the settings, and back.
@@ -121,6 +123,7 @@ private:
     QTimer* stuckFocusTimer_ = nullptr;
     QTimer* shutdownTimer_ = nullptr;
     bool filterInstalled_ = false;
+    bool settingCaption_ = false;
     bool unloading_ = false;
     bool programmaticClose_ = false;
     // The place of the frame in normal state, kept while it is maximised or minimised.

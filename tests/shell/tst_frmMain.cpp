@@ -6,6 +6,8 @@
 #include "documents/clsDocView.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
+#include "editing/WordKind.h"
+#include "editing/frmDocument.h"
 #include "language/LineNumberGutter.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
@@ -534,6 +536,64 @@ private Q_SLOTS:
         settle();
         QCOMPARE(view->WindowState(), int16_t(clsDocView::Normal));
         Settings().MinMaxClose = false;
+    }
+
+    void doubleClickAndRightClickRouting() {
+        auto document = dirtyNew();
+        SourceView* editor = document->Editor();
+        editor->Buffer().SetAllText(QStringLiteral("   GOSUB 100\n   CALL SUBNAME(A)"));
+        settle();
+        auto* window = dynamic_cast<frmDocument*>(document->View());
+        QVERIFY(window);
+        auto pointAt = [editor](int32_t column, int32_t line) {
+            const long position = editor->Buffer().PositionOf(column, line);
+            return QPoint(
+                int(editor->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0, position)) +
+                    2,
+                int(editor->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0, position)) +
+                    4);
+        };
+        QSignalSpy gotos(window, &frmDocument::GotoRequested);
+        QSignalSpy opens(window, &frmDocument::OpenRequested);
+        const QPoint label = pointAt(10, 0);
+        QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, label);
+        QTest::mouseDClick(editor->viewport(), Qt::LeftButton, {}, label);
+        QTest::mouseRelease(editor->viewport(), Qt::LeftButton, {}, label);
+        QCOMPARE(gotos.size(), 1);
+        QCOMPARE(opens.size(), 0);
+        QCOMPARE(state().ContextWord, QStringLiteral("100"));
+
+        const QPoint name = pointAt(9, 1);
+        QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, name);
+        QTest::mouseDClick(editor->viewport(), Qt::LeftButton, {}, name);
+        QTest::mouseRelease(editor->viewport(), Qt::LeftButton, {}, name);
+        QCOMPARE(opens.size(), 1);
+        QCOMPARE(state().ContextWord, QStringLiteral("SUBNAME"));
+
+        // A right-click shows the editor's menu set up for the selection and clipboard.
+        editor->SetSelection(3, 0, 8, 0);
+        QGuiApplication::clipboard()->clear();
+        frame->ShowContextMenu(WordKind::Nothing, editor->mapToGlobal(label));
+        QMenu* popup = frame->Bar().PopupMenu(QStringLiteral("Popup"));
+        QTRY_VERIFY(popup->isVisible());
+        popup->close();
+        QVERIFY(tool("Popup", "Cut")->Enabled());
+        QVERIFY(!tool("Popup", "Paste")->Enabled());
+        QVERIFY(!tool("Popup", "ctxGoto")->Enabled());
+    }
+
+    void captionShowsMaximisedChild() {
+        auto document = dirtyNew();
+        settle();
+        auto* window = dynamic_cast<frmDocument*>(document->View());
+        window->showMaximized();
+        settle();
+        frame->SetTitle(QStringLiteral("Brix"));
+        QCOMPARE(frame->windowTitle(),
+                 QStringLiteral("Brix - [") + window->Title() + QStringLiteral("]"));
+        window->showNormal();
+        settle();
+        QCOMPARE(frame->windowTitle(), QStringLiteral("Brix"));
     }
 };
 
