@@ -124,7 +124,7 @@ void frmMain::Load() {
 void frmMain::buildTimers() {
     autoSaveTimer_ = new QTimer(this);
     autoSaveTimer_->setInterval(60000);
-    connect(autoSaveTimer_, &QTimer::timeout, this, &frmMain::autoSaveTick);
+    connect(autoSaveTimer_, &QTimer::timeout, this, &frmMain::AutoSaveTimerTick);
     autoSaveTimer_->start();
     stuckFocusTimer_ = new QTimer(this);
     stuckFocusTimer_->setSingleShot(true);
@@ -134,7 +134,7 @@ void frmMain::buildTimers() {
     connect(shutdownTimer_, &QTimer::timeout, this, &frmMain::UnloadForm);
 }
 
-void frmMain::autoSaveTick() {
+void frmMain::AutoSaveTimerTick() {
     const Moriox* settings = ProcessState::Instance().Settings.get();
     // With auto-recover off the count stands still.
     if (!settings || !settings->AutoRecover)

@@ -82,7 +82,9 @@ public:
     void NextDocument(bool previous);
     // Unloads the frame shortly, without asking: the last automation client has gone.
     void StartShutdownTimer();
-    // Ticks of the auto-save timer counted while auto-recover is on.
+    // One minute of the auto-save timer: every fifth counted while auto-recover is on runs
+    // the recovery pass.
+    void AutoSaveTimerTick();
     int32_t AutoSaveTicks = 0;
     bool AppActive = false;
 
@@ -106,7 +108,6 @@ private:
     void buildTimers();
     // The title, with the maximised child's title behind it.
     QString caption() const;
-    void autoSaveTick();
     void stuckFocusTick();
     // The frame's place and bars from the settings, and back.
     void restoreWindowState();

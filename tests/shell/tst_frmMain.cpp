@@ -595,6 +595,21 @@ private Q_SLOTS:
         settle();
         QCOMPARE(frame->windowTitle(), QStringLiteral("Brix"));
     }
+
+    void autoSaveTicksCountWhileOn() {
+        frame->AutoSaveTicks = 0;
+        Settings().AutoRecover = true;
+        for (int i = 0; i < 4; ++i)
+            frame->AutoSaveTimerTick();
+        QCOMPARE(frame->AutoSaveTicks, 4);
+        // Off, the count stands; the first pass after switching on may come sooner.
+        Settings().AutoRecover = false;
+        frame->AutoSaveTimerTick();
+        QCOMPARE(frame->AutoSaveTicks, 4);
+        Settings().AutoRecover = true;
+        frame->AutoSaveTimerTick();
+        QCOMPARE(frame->AutoSaveTicks, 0);
+    }
 };
 
 BRIX_TEST_MAIN(tst_frmMain)
