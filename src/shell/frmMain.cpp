@@ -76,6 +76,10 @@ void frmMain::buildBars() {
     tabBand->setMovable(false);
     addToolBar(Qt::TopToolBarArea, tabBand);
     tabs_ = new DocumentTabs(*mdiArea_, *bar_, *tabBand);
+    // The bands are shown and hidden by the View menu only, so its checks stay true.
+    setContextMenuPolicy(Qt::NoContextMenu);
+    for (QToolBar* band : {bar_->ToolBarWidget(), tabBand})
+        band->setFloatable(false);
 }
 
 frmMain::~frmMain() = default;
