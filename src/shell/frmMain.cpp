@@ -327,6 +327,7 @@ void frmMain::RebuildFileMenu() {
         const QString path = recent->ListItem(i);
         QString name = path;
         try {
+            const modAutoRecover::Suspension hostCall;
             if (auto resource = mvConnection::Instance().GetResource(path, true, false))
                 name = resource->DisplayID();
         } catch (const std::exception&) {
