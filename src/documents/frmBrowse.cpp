@@ -1,5 +1,8 @@
 #include "documents/frmBrowse.h"
 
+#include "support/MsgBoxEx.h"
+#include "support/ShowError.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -8,7 +11,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStackedWidget>
@@ -17,7 +19,6 @@
 #include <QVBoxLayout>
 
 namespace {
-const QString kCaption = QStringLiteral("Brix");
 constexpr int kIsFolderRole = Qt::UserRole + 1;
 } // namespace
 
@@ -253,10 +254,10 @@ void frmBrowse::accept() {
     chosen_ = model_.Take(
         names, model_.OffersReadOnly() && chkReadOnly_->isChecked(),
         [this](const QString& question) {
-            return QMessageBox::question(this, kCaption, question,
-                                         QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+            return (BrixMessage(question, MsgBox::YesNo | MsgBox::Question, this) &
+                    ~MsgBox::Ticked) == MsgBox::Yes;
         },
-        [this](const QString& message) { QMessageBox::warning(this, kCaption, message); });
+        [this](const QString& message) { BrixMessage(message, MsgBox::Exclamation, this); });
     if (!chosen_.empty())
         QDialog::accept();
 }

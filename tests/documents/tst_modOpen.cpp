@@ -431,6 +431,29 @@ private Q_SLOTS:
         QCOMPARE(frame->DocumentCount, int16_t(2));
     }
 
+    // The browser asks about an item locked by someone else in the program's own box.
+    void openCommandOnALockedItem() {
+        HostAccountFixture::LockHolderProcess holder(*account, bp("HELLO"));
+        QVERIFY(holder.Holding());
+        state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
+                        QStringLiteral("BP")};
+        answers->Push(MsgBox::Yes);
+        whenBrowserShows([](frmBrowse& browser) {
+            browser.findChild<QLineEdit*>(QStringLiteral("txtName"))
+                ->setText(QStringLiteral("HELLO"));
+            browser.accept();
+        });
+        frame->OpenDocument();
+        QCOMPARE(answers->Seen.size(), 1);
+        QVERIFY(answers->Seen[0].Text.startsWith(
+            QStringLiteral("HELLO is locked by another user or process. Open in \"read only\" "
+                           "mode instead?")));
+        QCOMPARE(answers->Seen[0].Caption, QStringLiteral("Brix"));
+        QCOMPARE(state().Documents->Count(), 1);
+        QVERIFY(state().Documents->At(0)->ReadOnly());
+        QCOMPARE(account->LockHolder("BP", "HELLO"), holder.Pid());
+    }
+
     // Files dropped on the frame: each opens, a missing one asks, a folder is refused; only
     // a list of files is taken.
     void droppedFiles() {
