@@ -6,11 +6,16 @@
 #include "documents/mvConnection.h"
 #include "documents/mvPath.h"
 #include "documents/mvResource.h"
+#include "editing/OpCommentBlock.h"
+#include "editing/OpFormat.h"
+#include "editing/OpIndentBlock.h"
 #include "editing/OpReplace.h"
+#include "editing/OpToggleCase.h"
 #include "editing/frmDocument.h"
 #include "editing/frmDocumentx.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
+#include "language/SourceViewControl.h"
 #include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
@@ -841,4 +846,48 @@ void mvDocument::GotoLabel(const QString& target) {
         throw BrixError(BrixErrors::LabelNotFound, QStringLiteral("Target label not found!"));
     ScrollTo(labels.Columns[static_cast<size_t>(index)], labels.Lines[static_cast<size_t>(index)],
              true);
+}
+
+// The block commands and Format: each is one undoable operation on the editor's buffer.
+
+template <typename Op> std::unique_ptr<Op> mvDocument::newOperation() {
+    EnsureView();
+    SourceView* editor = Editor();
+    if (!editor)
+        return nullptr;
+    auto op = std::make_unique<Op>();
+    op->Ctl = std::make_shared<SourceViewControl>(editor);
+    return op;
+}
+
+void mvDocument::IndentBlock(bool indent) {
+    if (auto op = newOperation<OpIndentBlock>()) {
+        op->Indent = indent;
+        Buffer()->ExecuteOp(std::move(op));
+    }
+}
+
+void mvDocument::CommentBlock(bool comment) {
+    if (auto op = newOperation<OpCommentBlock>()) {
+        op->Comment = comment;
+        Buffer()->ExecuteOp(std::move(op));
+    }
+}
+
+void mvDocument::ToggleCase() {
+    if (auto op = newOperation<OpToggleCase>())
+        Buffer()->ExecuteOp(std::move(op));
+}
+
+void mvDocument::Format() {
+    const BusyCursor busy;
+    auto op = newOperation<OpFormat>();
+    if (!op)
+        return;
+    // The levels come from the lexer's line flags, and lines that were never shown were
+    // never scanned.
+    ScintillaBuffer* buffer = Buffer();
+    int32_t last = buffer->NumLines() - 1;
+    buffer->UpdateLines(0, last, last);
+    buffer->ExecuteOp(std::move(op));
 }

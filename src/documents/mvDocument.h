@@ -99,6 +99,13 @@ public:
     void BuildLabels();
     void DropLabels() { labels_.reset(); }
 
+    // The block commands on the selected lines (or the caret's), and Format on the whole
+    // program; each one undoable step.
+    void IndentBlock(bool indent);
+    void CommentBlock(bool comment);
+    void ToggleCase();
+    void Format();
+
     // The editor and its buffer; both exist once EnsureView has run.
     SourceView* Editor() const;
     ScintillaBuffer* Buffer() const;
@@ -120,6 +127,8 @@ private:
     void countOut();
     // The editor's text to the resource, with the status line and auto-recover held off.
     void writeToResource();
+    // A new operation on the editor, made first if need be; null without one.
+    template <typename Op> std::unique_ptr<Op> newOperation();
 
     int32_t documentNumber_ = 0;
     std::shared_ptr<mvResource> resource_;
