@@ -1,8 +1,12 @@
 #include "EditHarness.h"
 #include "TestEnv.h"
 
+#include "app/ProcessState.h"
+#include "documents/clsDocView.h"
+#include "documents/mvDocument.h"
 #include "editing/OpFormat.h"
 #include "language/LexClass.h"
+#include "language/ScintillaBuffer.h"
 #include "language/SourceBuffer.h"
 #include "language/SourceControl.h"
 #include "settings/Moriox.h"
@@ -250,6 +254,33 @@ private Q_SLOTS:
             h.Redo();
             QCOMPARE(h.Text(), states[i]);
         }
+    }
+
+    // The document's Format scans every line first: lines far below the window were never
+    // coloured, so they had no flags yet.
+    void documentFormatSeesUnscannedLines() {
+        Settings().TabSize = 2;
+        Settings().Margin = 0;
+        auto doc = mvDocument::Create();
+        QVERIFY(doc->FileNew());
+        QWidget* window = doc->View()->Widget();
+        window->resize(640, 400);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        QStringList program;
+        for (int i = 0; i < 3000; ++i)
+            program << QStringLiteral("LOOP") << QStringLiteral("X = %1").arg(i)
+                    << QStringLiteral("REPEAT");
+        doc->SetText(program.join(QStringLiteral("\r\n")));
+        QCoreApplication::processEvents();
+        ScintillaBuffer& buffer = *doc->Buffer();
+        QCOMPARE(buffer.GetLineData(8999, 1), 0);
+        doc->Format();
+        QCOMPARE(buffer.GetLine(8998), QStringLiteral("  X = 2999"));
+        buffer.Undo();
+        QCOMPARE(buffer.GetLine(8998), QStringLiteral("X = 2999"));
+        doc->FileClose(false);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 };
 
