@@ -3,6 +3,7 @@
 #include "app/ProcessState.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
+#include "documents/mvPath.h"
 #include "documents/mvResource.h"
 #include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
@@ -11,6 +12,7 @@
 #include "support/ShowError.h"
 
 #include <QCoreApplication>
+#include <optional>
 
 namespace {
 
@@ -19,6 +21,15 @@ const QString kAnyPart = QStringLiteral("*");
 // Opened documents show before the next one is read, and a click in between is seen.
 void letInputRun() {
     QCoreApplication::processEvents();
+}
+
+// What opened goes on the recent list; what failed is closed again. Gives `opened`.
+bool settle(const std::shared_ptr<mvDocument>& document, bool opened) {
+    if (opened)
+        modOpen::AddRecent(document->Path());
+    else
+        document->FileClose(true);
+    return opened;
 }
 
 } // namespace
@@ -65,21 +76,14 @@ void modOpen::OpenCommand(QWidget* owner) {
             readOnly = resource->ReadOnly();
         } catch (...) {
         }
-        if (document->OpenResource(resource, readOnly))
-            AddRecent(document->Path());
-        else
-            document->FileClose(true);
+        settle(document, document->OpenResource(resource, readOnly));
         letInputRun();
     }
 }
 
 std::shared_ptr<mvDocument> modOpen::OpenPath(const QString& path, bool readOnly) {
     auto document = mvDocument::Create();
-    const bool opened = document->FileOpen(path, readOnly);
-    if (opened)
-        AddRecent(document->Path());
-    else
-        document->FileClose(true);
+    const bool opened = settle(document, document->FileOpen(path, readOnly));
     letInputRun();
     return opened ? document : nullptr;
 }
@@ -93,10 +97,7 @@ void modOpen::OpenDroppedFiles(const QStringList& fileNames) {
             path = connection.MakeFilePath(QString(), QString(), name);
         } catch (...) {
         }
-        if (document->FileOpen(path, false))
-            AddRecent(document->Path());
-        else
-            document->FileClose(true);
+        settle(document, document->FileOpen(path, false));
     }
     letInputRun();
 }
@@ -108,32 +109,43 @@ std::shared_ptr<mvDocument> modOpen::OpenRecent(int16_t index) {
     return OpenPath(ResolveRecentPath(recent->ListItem(index)));
 }
 
+namespace {
+
+// The parts of a host path; none for a local file, which is kept as it is.
+std::optional<mvPath> hostParts(const QString& path) {
+    mvPath parts = mvConnection::Instance().ParsePath(path);
+    if (parts.Provider.compare(QLatin1String("file"), Qt::CaseInsensitive) == 0)
+        return std::nullopt;
+    return parts;
+}
+
+} // namespace
+
 QString modOpen::RecentPathOf(const QString& path) {
-    mvConnection& connection = mvConnection::Instance();
-    QString provider, server, database, folder, itemId;
-    connection.ParsePath(path, provider, server, database, folder, itemId);
-    if (provider.compare(QLatin1String("file"), Qt::CaseInsensitive) == 0)
+    const auto parts = hostParts(path);
+    if (!parts)
         return path;
-    return connection.MakePath(provider, kAnyPart, kAnyPart, folder, itemId);
+    return mvConnection::Instance().MakePath(parts->Provider, kAnyPart, kAnyPart, parts->Folder,
+                                             parts->ItemID);
 }
 
 QString modOpen::ResolveRecentPath(const QString& path) {
-    mvConnection& connection = mvConnection::Instance();
-    QString provider, server, database, folder, itemId;
-    connection.ParsePath(path, provider, server, database, folder, itemId);
-    if (provider.compare(QLatin1String("file"), Qt::CaseInsensitive) == 0)
+    auto parts = hostParts(path);
+    if (!parts)
         return path;
+    mvConnection& connection = mvConnection::Instance();
     const HostContext& host = ProcessState::Instance().Host;
-    const bool hostContext = host.Provider.compare(provider, Qt::CaseInsensitive) == 0;
-    if (server == kAnyPart && hostContext && !host.ServerName.isEmpty())
-        server = host.ServerName;
-    if (database == kAnyPart) {
+    const bool hostContext = host.Provider.compare(parts->Provider, Qt::CaseInsensitive) == 0;
+    if (parts->ServerName == kAnyPart && hostContext && !host.ServerName.isEmpty())
+        parts->ServerName = host.ServerName;
+    if (parts->Database == kAnyPart) {
         if (hostContext && !host.Database.isEmpty() && host.Database != kAnyPart) {
-            database = host.Database;
-        } else if (const HostProfile* profile = connection.Profiles().Find(server)) {
+            parts->Database = host.Database;
+        } else if (const HostProfile* profile = connection.Profiles().Find(parts->ServerName)) {
             if (!profile->DefaultAccount.isEmpty())
-                database = profile->DefaultAccount;
+                parts->Database = profile->DefaultAccount;
         }
     }
-    return connection.MakePath(provider, server, database, folder, itemId);
+    return connection.MakePath(parts->Provider, parts->ServerName, parts->Database, parts->Folder,
+                               parts->ItemID);
 }

@@ -101,6 +101,15 @@ void updateCommands() {
         frame->UpdateToolBar();
 }
 
+// The one handler at the end of an operation, called from inside its catch: the pointer
+// back, the status line cleared, the description shown. Gives false.
+bool failed(BusyPointer& busy) {
+    busy.Restore();
+    setStatus(QString());
+    tell(currentDescription());
+    return false;
+}
+
 // New paths start from the place of the last item opened or saved.
 void takeHostContext(const mvResource& resource) {
     HostContext context;
@@ -401,10 +410,7 @@ bool mvDocument::OpenResource(std::shared_ptr<mvResource> resource, bool readOnl
         return true;
     } catch (...) {
         // What is already in the control stays; the caller decides about the document.
-        busy.Restore();
-        setStatus(QString());
-        tell(currentDescription());
-        return false;
+        return failed(busy);
     }
 }
 
@@ -442,10 +448,7 @@ bool mvDocument::FileSave() {
         return true;
     } catch (...) {
         // The text and its modified state stay, and so does the resource.
-        busy.Restore();
-        setStatus(QString());
-        tell(currentDescription());
-        return false;
+        return failed(busy);
     }
 }
 
@@ -535,10 +538,7 @@ bool mvDocument::SaveToResource(std::shared_ptr<mvResource> target) {
         updateCommands();
         return true;
     } catch (...) {
-        busy.Restore();
-        setStatus(QString());
-        tell(currentDescription());
-        return false;
+        return failed(busy);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "BoxAnswers.h"
+#include "DocumentFrame.h"
 #include "HostAccountFixture.h"
 #include "TestEnv.h"
 
@@ -30,60 +31,32 @@
 // browser, the recent list and files dropped on the frame.
 class tst_modOpen : public QObject {
     Q_OBJECT
-    QPointer<frmMain> frame;
+    std::unique_ptr<DocumentFrame> frames;
+    frmMain* frame = nullptr;
     std::unique_ptr<HostAccountFixture> account;
     // Every test answers whatever box comes up; none is left waiting for a person.
     std::unique_ptr<BoxAnswers> answers;
 
     static ProcessState& state() { return ProcessState::Instance(); }
     static QString bp(const QString& item) { return HostAccountFixture::ItemPath("BP", item); }
-    static QStringList recentItems() {
-        QStringList items;
-        const clsRecentList& recent = *Settings().RecentList;
-        for (int16_t i = 1; i <= recent.ListCount(); ++i)
-            items << recent.ListItem(i);
-        return items;
-    }
-    // Runs `fill` on the browser once it is up; it accepts or rejects the dialog.
-    static void whenBrowserShows(std::function<void(frmBrowse&)> fill) {
-        auto poll = std::make_shared<std::function<void()>>();
-        *poll = [fill, poll] {
-            if (auto* browser = qobject_cast<frmBrowse*>(QApplication::activeModalWidget())) {
-                fill(*browser);
-                *poll = nullptr;
-                return;
-            }
-            QTimer::singleShot(10, *poll);
-        };
-        QTimer::singleShot(0, *poll);
-    }
 
 public:
     tst_modOpen() { HostAccountFixture::RunChildIfAsked(); }
 
 private Q_SLOTS:
     void initTestCase() {
-        state().Documents = std::make_unique<DocumentCollection>();
-        frame = new frmMain;
-        frame->setAttribute(Qt::WA_DeleteOnClose, false);
-        state().MainWindow = frame;
-        frame->Load();
-        frame->show();
-        QVERIFY(QTest::qWaitForWindowExposed(frame));
+        frames = std::make_unique<DocumentFrame>();
+        frame = frames->Frame();
     }
-    void cleanupTestCase() { delete frame; }
+    void cleanupTestCase() { frames.reset(); }
 
     void init() {
         account = std::make_unique<HostAccountFixture>();
         answers = std::make_unique<BoxAnswers>();
-        Settings().RecordLocking = true;
-        Settings().RecentList->Clear();
-        state().Host = HostContext();
+        DocumentFrame::Reset();
     }
     void cleanup() {
-        for (const auto& d : state().Documents->Snapshot())
-            d->FileClose(false);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        DocumentFrame::CloseAll();
         QCOMPARE(frame->DocumentCount, int16_t(0));
         // Every host round trip resumed what it suspended.
         QCOMPARE(modAutoRecover::Suspensions(), 0);
@@ -365,7 +338,7 @@ private Q_SLOTS:
         frame->OpenRecent(1);
         QCOMPARE(state().Documents->Count(), 1);
         QCOMPARE(state().Documents->At(0)->Path(), QStringLiteral("mvdb://test/OTHER/BP/HELLO"));
-        QCOMPARE(recentItems(), QStringList{"mvdb://*/*/BP/HELLO"});
+        QCOMPARE(DocumentFrame::RecentItems(), QStringList{"mvdb://*/*/BP/HELLO"});
         QVERIFY(!modOpen::OpenRecent(2));
     }
 
@@ -381,7 +354,8 @@ private Q_SLOTS:
         QCOMPARE(boxes.Seen.size(), 3);
         QCOMPARE(state().Documents->Count(), 2);
         QCOMPARE(frame->DocumentCount, int16_t(2));
-        QCOMPARE(recentItems(), (QStringList{"mvdb://*/*/BP/NEWONE", "mvdb://*/*/BP/HELLO"}));
+        QCOMPARE(DocumentFrame::RecentItems(),
+                 (QStringList{"mvdb://*/*/BP/NEWONE", "mvdb://*/*/BP/HELLO"}));
     }
 
     // File Open: the browser starts at the host context, and each chosen item becomes a
@@ -400,7 +374,7 @@ private Q_SLOTS:
                         QStringLiteral("BP")};
         QString startFile;
         int suspendedWhileUp = -1;
-        whenBrowserShows([&](frmBrowse& browser) {
+        DocumentFrame::WhenBrowserShows([&](frmBrowse& browser) {
             startFile = browser.Model().File();
             suspendedWhileUp = modAutoRecover::Suspensions();
             if (cancel) {
@@ -417,7 +391,7 @@ private Q_SLOTS:
         QCOMPARE(suspendedWhileUp, 1);
         if (cancel) {
             QCOMPARE(state().Documents->Count(), 0);
-            QVERIFY(recentItems().isEmpty());
+            QVERIFY(DocumentFrame::RecentItems().isEmpty());
             return;
         }
         QCOMPARE(state().Documents->Count(), 2);
@@ -426,7 +400,7 @@ private Q_SLOTS:
             QVERIFY(d->View()->Title().endsWith(readOnly ? " on TEST (Read only)" : " on TEST"));
             QCOMPARE(account->LockHolder("BP", d->ItemID()), readOnly ? 0 : qint64(::getpid()));
         }
-        QCOMPARE(recentItems(),
+        QCOMPARE(DocumentFrame::RecentItems(),
                  (QStringList{"mvdb://*/*/BP/FORMAT.AMOUNT", "mvdb://*/*/BP/HELLO"}));
         QCOMPARE(frame->DocumentCount, int16_t(2));
     }
@@ -438,7 +412,7 @@ private Q_SLOTS:
         state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
                         QStringLiteral("BP")};
         answers->Push(MsgBox::Yes);
-        whenBrowserShows([](frmBrowse& browser) {
+        DocumentFrame::WhenBrowserShows([](frmBrowse& browser) {
             browser.findChild<QLineEdit*>(QStringLiteral("txtName"))
                 ->setText(QStringLiteral("HELLO"));
             browser.accept();
@@ -493,7 +467,8 @@ private Q_SLOTS:
                                   " because it appears to be a folder or file definition."}));
         QCOMPARE(state().Documents->Count(), 1);
         QCOMPARE(state().Documents->At(0)->DisplayName(), QStringLiteral("drop a.txt"));
-        QCOMPARE(recentItems(), QStringList{mvConnection::Instance().MakeFilePath({}, {}, a)});
+        QCOMPARE(DocumentFrame::RecentItems(),
+                 QStringList{mvConnection::Instance().MakeFilePath({}, {}, a)});
     }
 };
 

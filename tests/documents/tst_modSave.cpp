@@ -1,4 +1,5 @@
 #include "BoxAnswers.h"
+#include "DocumentFrame.h"
 #include "HostAccountFixture.h"
 #include "TestEnv.h"
 
@@ -71,19 +72,13 @@ bool saveLoop(const QByteArray& mode, const QString& path) {
 // and saves killed half way.
 class tst_modSave : public QObject {
     Q_OBJECT
-    QPointer<frmMain> frame;
+    std::unique_ptr<DocumentFrame> frames;
+    frmMain* frame = nullptr;
     std::unique_ptr<HostAccountFixture> account;
     std::unique_ptr<BoxAnswers> answers;
 
     static ProcessState& state() { return ProcessState::Instance(); }
     static QString bp(const QString& item) { return HostAccountFixture::ItemPath("BP", item); }
-    static QStringList recentItems() {
-        QStringList items;
-        const clsRecentList& recent = *Settings().RecentList;
-        for (int16_t i = 1; i <= recent.ListCount(); ++i)
-            items << recent.ListItem(i);
-        return items;
-    }
     // A document open on a BP item with a change typed into it.
     std::shared_ptr<mvDocument> editedItem(const QString& item, const QString& typed) {
         auto d = mvDocument::Create();
@@ -96,46 +91,25 @@ class tst_modSave : public QObject {
     std::shared_ptr<mvResource> resource(const QString& path) {
         return mvConnection::Instance().GetResource(path, false, false);
     }
-    static void whenBrowserShows(std::function<void(frmBrowse&)> fill) {
-        auto poll = std::make_shared<std::function<void()>>();
-        *poll = [fill, poll] {
-            if (auto* browser = qobject_cast<frmBrowse*>(QApplication::activeModalWidget())) {
-                fill(*browser);
-                *poll = nullptr;
-                return;
-            }
-            QTimer::singleShot(10, *poll);
-        };
-        QTimer::singleShot(0, *poll);
-    }
 
 public:
     tst_modSave() { HostAccountFixture::RunChildIfAsked(saveLoop); }
 
 private Q_SLOTS:
     void initTestCase() {
-        state().Documents = std::make_unique<DocumentCollection>();
-        frame = new frmMain;
-        frame->setAttribute(Qt::WA_DeleteOnClose, false);
-        state().MainWindow = frame;
-        frame->Load();
-        frame->show();
-        QVERIFY(QTest::qWaitForWindowExposed(frame));
+        frames = std::make_unique<DocumentFrame>();
+        frame = frames->Frame();
     }
-    void cleanupTestCase() { delete frame; }
+    void cleanupTestCase() { frames.reset(); }
 
     void init() {
         account = std::make_unique<HostAccountFixture>();
         answers = std::make_unique<BoxAnswers>();
-        Settings().RecordLocking = true;
-        Settings().RecentList->Clear();
-        state().Host = HostContext();
+        DocumentFrame::Reset();
     }
     void cleanup() {
         answers = std::make_unique<BoxAnswers>();
-        for (const auto& d : state().Documents->Snapshot())
-            d->FileClose(false);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        DocumentFrame::CloseAll();
         QCOMPARE(frame->DocumentCount, int16_t(0));
         QCOMPARE(modAutoRecover::Suspensions(), 0);
         QVERIFY(!MsgBox::IsOpen());
@@ -382,7 +356,7 @@ private Q_SLOTS:
         Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/ELSE"));
         QString offered;
         int suspendedWhileUp = -1;
-        whenBrowserShows([&](frmBrowse& browser) {
+        DocumentFrame::WhenBrowserShows([&](frmBrowse& browser) {
             auto* name = browser.findChild<QLineEdit*>(QStringLiteral("txtName"));
             offered = name->text();
             suspendedWhileUp = modAutoRecover::Suspensions();
@@ -399,13 +373,15 @@ private Q_SLOTS:
         if (cancel) {
             QCOMPARE(d->ItemID(), QStringLiteral("HELLO"));
             QVERIFY(d->IsDirty());
-            QCOMPARE(recentItems(), (QStringList{"mvdb://*/*/BP/ELSE", "mvdb://*/*/BP/HELLO"}));
+            QCOMPARE(DocumentFrame::RecentItems(),
+                     (QStringList{"mvdb://*/*/BP/ELSE", "mvdb://*/*/BP/HELLO"}));
             return;
         }
         QCOMPARE(d->ItemID(), QStringLiteral("HELLO.COPY"));
         QVERIFY(account->ReadItem("BP", "HELLO.COPY").startsWith("* copy\n"));
         QVERIFY(!account->ReadItem("BP", "HELLO").startsWith("* copy"));
-        QCOMPARE(recentItems(), (QStringList{"mvdb://*/*/BP/HELLO.COPY", "mvdb://*/*/BP/ELSE"}));
+        QCOMPARE(DocumentFrame::RecentItems(),
+                 (QStringList{"mvdb://*/*/BP/HELLO.COPY", "mvdb://*/*/BP/ELSE"}));
         QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
         QCOMPARE(account->LockHolder("BP", "HELLO.COPY"), qint64(::getpid()));
     }
@@ -417,13 +393,13 @@ private Q_SLOTS:
         QTest::keyClicks(d->Editor(), QStringLiteral("END"));
         state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
                         QStringLiteral("LIB")};
-        whenBrowserShows([](frmBrowse& browser) {
+        DocumentFrame::WhenBrowserShows([](frmBrowse& browser) {
             browser.findChild<QLineEdit*>(QStringLiteral("txtName"))->setText(QStringLiteral("N1"));
             browser.accept();
         });
         frame->SaveDocument(d);
         QCOMPARE(account->ReadItem("LIB", "N1"), QByteArray("END"));
-        QCOMPARE(recentItems(), QStringList{"mvdb://*/*/LIB/N1"});
+        QCOMPARE(DocumentFrame::RecentItems(), QStringList{"mvdb://*/*/LIB/N1"});
     }
 
     // FileClose with and without its question, and each answer.
