@@ -153,12 +153,6 @@ void LineBuffer::insertRaw(int32_t column, int32_t line, const QString& text, in
 
 QString LineBuffer::deleteRaw(int32_t startColumn, int32_t startLine, int32_t endColumn,
                               int32_t endLine) {
-    clampPosition(startColumn, startLine);
-    clampPosition(endColumn, endLine);
-    if (endLine < startLine || (endLine == startLine && endColumn < startColumn)) {
-        std::swap(startColumn, endColumn);
-        std::swap(startLine, endLine);
-    }
     QString& first = lines_[static_cast<size_t>(startLine)].Text;
     if (startLine == endLine) {
         const QString taken = first.mid(startColumn, endColumn - startColumn);
@@ -181,16 +175,8 @@ void LineBuffer::InsertText(int32_t column, int32_t line, const QString& text, i
     line = std::min(line, NumLines() - 1);
     clampPosition(column, line);
     insertRaw(column, line, text, endColumn, endLine);
-    if (replaying_ == 0 && !text.isEmpty()) {
-        Step step;
-        step.Insert = true;
-        step.Column = column;
-        step.Line = line;
-        step.EndColumn = endColumn;
-        step.EndLine = endLine;
-        step.Text = text;
-        record(std::move(step));
-    }
+    if (!text.isEmpty())
+        record(true, column, line, endColumn, endLine, text);
 }
 
 void LineBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t endColumn,
@@ -202,15 +188,8 @@ void LineBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t endC
         std::swap(startLine, endLine);
     }
     QString taken = deleteRaw(startColumn, startLine, endColumn, endLine);
-    if (replaying_ == 0 && !taken.isEmpty()) {
-        Step step;
-        step.Column = startColumn;
-        step.Line = startLine;
-        step.EndColumn = endColumn;
-        step.EndLine = endLine;
-        step.Text = std::move(taken);
-        record(std::move(step));
-    }
+    if (!taken.isEmpty())
+        record(false, startColumn, startLine, endColumn, endLine, std::move(taken));
 }
 
 void LineBuffer::UpdateLines(int32_t first, int32_t last, int32_t& scanTo) {
@@ -238,7 +217,21 @@ void LineBuffer::RefreshLines(int32_t, int32_t, int32_t, int32_t caretColumn, in
     caret_->PlaceCaret(caretColumn, caretLine);
 }
 
-void LineBuffer::record(Step step) {
+void LineBuffer::record(bool insert, int32_t column, int32_t line, int32_t endColumn,
+                        int32_t endLine, QString text) {
+    if (replaying_ != 0)
+        return;
+    Step step;
+    step.Insert = insert;
+    step.Column = column;
+    step.Line = line;
+    step.EndColumn = endColumn;
+    step.EndLine = endLine;
+    step.Text = std::move(text);
+    push(std::move(step));
+}
+
+void LineBuffer::push(Step step) {
     steps_.resize(position_);
     if (savePoint_ > static_cast<std::ptrdiff_t>(position_))
         savePoint_ = -1;
@@ -282,7 +275,7 @@ void LineBuffer::ExecuteOp(std::unique_ptr<ISourceOp> op) {
     Step step;
     step.Op = std::move(op);
     ISourceOp* raw = step.Op.get();
-    record(std::move(step));
+    push(std::move(step));
     ++replaying_;
     struct Done {
         int& depth;

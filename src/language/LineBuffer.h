@@ -83,9 +83,12 @@ private:
     // The inserted text's end position.
     void insertRaw(int32_t column, int32_t line, const QString& text, int32_t& endColumn,
                    int32_t& endLine);
-    // The deleted text, lines joined by LF.
+    // The deleted text, lines joined by LF. The range must be in the text, start first.
     QString deleteRaw(int32_t startColumn, int32_t startLine, int32_t endColumn, int32_t endLine);
-    void record(Step step);
+    // An edit made outside an operation becomes an undo step.
+    void record(bool insert, int32_t column, int32_t line, int32_t endColumn, int32_t endLine,
+                QString text);
+    void push(Step step);
     void apply(Step& step, bool undo);
 
     std::vector<Line> lines_;

@@ -17,7 +17,6 @@
 #include <cstdio>
 #include <cstring>
 #include <optional>
-#include <unistd.h>
 
 namespace {
 
@@ -33,24 +32,6 @@ void complain(const QString& message) {
 bool writeOut(const QByteArray& bytes) {
     return std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout) ==
            static_cast<size_t>(bytes.size());
-}
-
-std::optional<QByteArray> readStandardInput() {
-    QByteArray bytes;
-    char chunk[1 << 16];
-    for (;;) {
-        const ssize_t n = ::read(STDIN_FILENO, chunk, sizeof chunk);
-        if (n < 0) {
-            if (errno == EINTR)
-                continue;
-            complain(QStringLiteral("Can't read standard input: %1.")
-                         .arg(QString::fromLocal8Bit(std::strerror(errno))));
-            return std::nullopt;
-        }
-        if (n == 0)
-            return bytes;
-        bytes.append(chunk, n);
-    }
 }
 
 // A whole number from `low` to `high`, or nothing.
@@ -89,22 +70,15 @@ int formatOne(const Run& run, const QString& name) {
     const QString shown = standardInput ? QStringLiteral("<stdin>") : name;
     QByteArray input;
     QString target = name;
-    if (standardInput) {
-        auto bytes = readStandardInput();
-        if (!bytes)
-            return kFailed;
-        input = std::move(*bytes);
-    } else {
-        // In place, the file a link points at is rewritten, not the link.
-        const QString canonical = QFileInfo(name).canonicalFilePath();
-        if (!canonical.isEmpty())
-            target = canonical;
-        try {
-            input = LocalTransport().ReadFile(name);
-        } catch (const BrixError& error) {
-            complain(error.Description);
-            return kFailed;
-        }
+    // In place, the file a link points at is rewritten, not the link.
+    const QString canonical = QFileInfo(name).canonicalFilePath();
+    if (!standardInput && !canonical.isEmpty())
+        target = canonical;
+    try {
+        input = LocalTransport().ReadFile(standardInput ? QStringLiteral("/dev/stdin") : name);
+    } catch (const BrixError& error) {
+        complain(error.Description);
+        return kFailed;
     }
     if (input.contains('\0')) {
         complain(QStringLiteral("%1 holds NUL bytes: it doesn't look like a program, and is left "
