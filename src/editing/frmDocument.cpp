@@ -226,6 +226,18 @@ void frmDocument::mouseRelease(QMouseEvent* event) {
         }
     }
     if (event->button() == Qt::LeftButton) {
+        // The caret is put back where it stands, so that it is in view after the click; a
+        // selection is kept with its direction.
+        if (!(event->modifiers() & Qt::ShiftModifier)) {
+            if (txtText_->HasSelection()) {
+                int32_t sc = 0, sl = 0, ec = 0, el = 0;
+                txtText_->GetSelection(sc, sl, ec, el);
+                txtText_->SetCursor(txtText_->CursorCol(), txtText_->CursorLine());
+                txtText_->SetSelection(sc, sl, ec, el);
+            } else {
+                txtText_->SetCursor(txtText_->CursorCol(), txtText_->CursorLine());
+            }
+        }
         lastMouse_ = event->position().toPoint();
         if (frame_)
             frame_->UpdateToolBar();
