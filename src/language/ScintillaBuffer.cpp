@@ -61,15 +61,18 @@ int32_t ScintillaBuffer::fetchRange(long start, long end) const {
 void ScintillaBuffer::decodeLine(int32_t byteCount) const { decodeLine(lineBytes_.data(), byteCount); }
 
 void ScintillaBuffer::decodeLine(const char* bytes, int32_t byteCount) const {
-    if (Utf8Columns::IsAscii(bytes, byteCount)) {
-        // Widening in place keeps the string's capacity: no allocation per line.
-        lineText_.resize(byteCount);
-        QChar* out = lineText_.data();
-        for (int32_t i = 0; i < byteCount; ++i)
-            out[i] = QChar(static_cast<char16_t>(static_cast<unsigned char>(bytes[i])));
-    } else {
-        lineText_ = QString::fromUtf8(bytes, byteCount);
+    // Widening in place keeps the string's capacity: no allocation per line. ASCII is
+    // checked in the same pass; any other line is decoded again as UTF-8.
+    lineText_.resize(byteCount);
+    auto* out = reinterpret_cast<char16_t*>(lineText_.data());
+    unsigned char high = 0;
+    for (int32_t i = 0; i < byteCount; ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        high |= byte;
+        out[i] = byte;
     }
+    if (high & 0x80)
+        lineText_ = QString::fromUtf8(bytes, byteCount);
 }
 
 QString ScintillaBuffer::GetLine(int32_t line) const {
