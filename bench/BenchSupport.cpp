@@ -1,5 +1,10 @@
 #include "BenchSupport.h"
 
+#include "language/SourceView.h"
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -44,6 +49,24 @@ QString Program(int lines) {
 void Report(const char* name, double value, const char* unit) {
     std::printf("BENCH name=%s value=%.3f unit=%s\n", name, value, unit);
     std::fflush(stdout);
+}
+
+double TypeKeys(SourceView& view, int line, int column, int count) {
+    view.SetCursor(column, line);
+    QCoreApplication::processEvents();
+    std::vector<double> times;
+    times.reserve(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+        QKeyEvent release(QEvent::KeyRelease, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+        Stopwatch key;
+        QCoreApplication::sendEvent(&view, &press);
+        QCoreApplication::sendEvent(&view, &release);
+        view.viewport()->repaint();
+        QCoreApplication::processEvents();
+        times.push_back(key.Us());
+    }
+    return Median(times);
 }
 
 double Median(std::vector<double> values) {

@@ -6,7 +6,6 @@
 #include "language/SourceView.h"
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QtTest>
 
 namespace {
@@ -60,20 +59,6 @@ int main(int argc, char** argv) {
     buffer.Undo();
     Bench::Report("op_undo_every_line", undo.Ms(), "ms");
 
-    // Typing in the middle of the document, one key at a time as a user would.
-    view.SetCursor(10, 500000);
-    QCoreApplication::processEvents();
-    std::vector<double> times;
-    times.reserve(1000);
-    for (int i = 0; i < 1000; ++i) {
-        QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
-        QKeyEvent release(QEvent::KeyRelease, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
-        Bench::Stopwatch key;
-        QCoreApplication::sendEvent(&view, &press);
-        QCoreApplication::sendEvent(&view, &release);
-        QCoreApplication::processEvents();
-        times.push_back(key.Us());
-    }
-    Bench::Report("type_char_53mb", Bench::Median(times), "us");
+    Bench::Report("type_char_53mb", Bench::TypeKeys(view, 500000, 10), "us");
     return 0;
 }

@@ -6,7 +6,6 @@
 #include "language/SourceView.h"
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QtTest>
 
 int main(int argc, char** argv) {
@@ -31,21 +30,6 @@ int main(int argc, char** argv) {
     buffer.UpdateLines(0, lines - 1, scanTo);
     Bench::Report("lex_all_53mb", megabytes / (scan.Ms() / 1000.0), "MB/s");
 
-    // Typing in the middle of the coloured document, one key at a time, painted each time.
-    view.SetCursor(10, 500000);
-    QCoreApplication::processEvents();
-    std::vector<double> times;
-    times.reserve(1000);
-    for (int i = 0; i < 1000; ++i) {
-        QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
-        QKeyEvent release(QEvent::KeyRelease, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
-        Bench::Stopwatch key;
-        QCoreApplication::sendEvent(&view, &press);
-        QCoreApplication::sendEvent(&view, &release);
-        view.viewport()->repaint();
-        QCoreApplication::processEvents();
-        times.push_back(key.Us());
-    }
-    Bench::Report("type_char_53mb_lexed", Bench::Median(times), "us");
+    Bench::Report("type_char_53mb_lexed", Bench::TypeKeys(view, 500000, 10), "us");
     return 0;
 }
