@@ -9,7 +9,7 @@ export XDG_RUNTIME_DIR="$SANDBOX/runtime" QT_QPA_PLATFORM=offscreen BRIX_BENCH_D
 mkdir -m 0700 -p "$XDG_RUNTIME_DIR"
 status=0
 for b in "$BUILD_DIR"/bench/bench_*; do
-  [ -x "$b" ] || continue
+  [ -f "$b" ] && [ -x "$b" ] || continue
   "$b" || { echo "benchmark $(basename "$b") failed" >&2; status=1; }
 done
 exit $status
