@@ -9,7 +9,7 @@ class SourceView;
 namespace Bench {
 
 // Types `count` characters one key at a time at a place in the view, each painted before the
-// next, as a user would; gives the median time of a key in microseconds.
+// next as the component asks, as a user would; gives the median time of a key in microseconds.
 double TypeKeys(SourceView& view, int line, int column, int count = 1000);
 
 // A MultiValue BASIC program of `lines` lines, about 53 bytes a line on average (so 53 MB
