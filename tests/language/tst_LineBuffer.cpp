@@ -58,13 +58,13 @@ private Q_SLOTS:
     // The same random edits, with every kind of line end and positions past the ends, give
     // the same lines in memory as in the editor; undo walks both back to the start.
     void editsMatchTheEditor_data() {
-        QTest::addColumn<quint32>("seed");
-        for (quint32 seed : {1u, 7u, 42u, 1234u})
-            QTest::addRow("seed %u", seed) << seed;
+        QTest::addColumn<quint32>("run");
+        for (quint32 run : {1u, 7u, 42u, 1234u})
+            QTest::addRow("run %u", run) << run;
     }
     void editsMatchTheEditor() {
-        QFETCH(quint32, seed);
-        QRandomGenerator random(seed);
+        QFETCH(quint32, run);
+        QRandomGenerator random(run);
         SourceView view;
         ScintillaBuffer& editor = view.Buffer();
         LineBuffer memory;
