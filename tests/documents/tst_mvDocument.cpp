@@ -1,3 +1,4 @@
+#include "DocumentFrame.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
@@ -15,6 +16,7 @@
 // Documents in a real frame: numbering, naming, views and closing.
 class tst_mvDocument : public QObject {
     Q_OBJECT
+    std::unique_ptr<DocumentFrame> shown;
     QPointer<frmMain> frame;
 
     static ProcessState& state() { return ProcessState::Instance(); }
@@ -24,20 +26,13 @@ class tst_mvDocument : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        state().Documents = std::make_unique<DocumentCollection>();
-        frame = new frmMain;
-        frame->setAttribute(Qt::WA_DeleteOnClose, false);
-        state().MainWindow = frame;
-        frame->Load();
-        frame->show();
-        QVERIFY(QTest::qWaitForWindowExposed(frame));
+        shown = std::make_unique<DocumentFrame>();
+        frame = shown->Frame();
     }
-    void cleanupTestCase() { delete frame; }
+    void cleanupTestCase() { shown.reset(); }
 
     void cleanup() {
-        for (const auto& d : state().Documents->Snapshot())
-            d->FileClose(false);
-        flushDeletes();
+        DocumentFrame::CloseAll();
         Settings().MinMaxClose = false;
     }
 
