@@ -3,8 +3,10 @@
 #include "language/ISourceOp.h"
 #include "language/Utf8Columns.h"
 
+#include <QScopeGuard>
 #include <Qsci/qsciscintillabase.h>
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -16,6 +18,26 @@ constexpr long kNormalEventMask =
     QsciScintillaBase::SC_MOD_CONTAINER | QsciScintillaBase::SC_MOD_CHANGEMARKER;
 
 constexpr int kDefaultStyle = 0;
+
+// Pending lines this close to each other go to Scintilla in one edit: copying a few
+// unchanged lines costs less than the line-index searches of another edit.
+constexpr int32_t kJoinGap = 4;
+
+void appendUtf8(std::string& out, const QString& text) {
+    const char16_t* units = reinterpret_cast<const char16_t*>(text.constData());
+    const auto count = static_cast<size_t>(text.size());
+    const size_t base = out.size();
+    out.resize(base + count);
+    char* dst = out.data() + base;
+    for (size_t i = 0; i < count; ++i) {
+        if (units[i] >= 0x80) {
+            out.resize(base);
+            out += text.toUtf8().toStdString();
+            return;
+        }
+        dst[i] = static_cast<char>(units[i]);
+    }
+}
 
 } // namespace
 
@@ -58,7 +80,9 @@ int32_t ScintillaBuffer::fetchRange(long start, long end) const {
     return count;
 }
 
-void ScintillaBuffer::decodeLine(int32_t byteCount) const { decodeLine(lineBytes_.data(), byteCount); }
+void ScintillaBuffer::decodeLine(int32_t byteCount) const {
+    decodeLine(lineBytes_.data(), byteCount);
+}
 
 void ScintillaBuffer::decodeLine(const char* bytes, int32_t byteCount) const {
     // Widening in place keeps the string's capacity: no allocation per line. ASCII is
@@ -78,6 +102,10 @@ void ScintillaBuffer::decodeLine(const char* bytes, int32_t byteCount) const {
 QString ScintillaBuffer::GetLine(int32_t line) const {
     if (line < 0)
         return {};
+    if (std::string_view pending; edits_.Find(line, pending)) {
+        decodeLine(pending.data(), static_cast<int32_t>(pending.size()));
+        return lineText_;
+    }
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
     if (start < 0)
         return {};
@@ -91,6 +119,8 @@ int32_t ScintillaBuffer::GetLineLength(int32_t line) const {
         return scanLength_;
     if (line < 0)
         return 0;
+    if (std::string_view pending; edits_.Find(line, pending))
+        return Utf8Columns::CodeUnits(pending.data(), static_cast<int32_t>(pending.size()));
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
     if (start < 0)
         return 0;
@@ -119,6 +149,7 @@ void ScintillaBuffer::SetLineData(int32_t line, int32_t word, int32_t value) {
 }
 
 long ScintillaBuffer::PositionOf(int32_t column, int32_t line) const {
+    flushEdits();
     line = std::max(line, 0);
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
     if (start < 0)
@@ -138,6 +169,7 @@ long ScintillaBuffer::offsetInLine(long start, int32_t line, int32_t column) con
 }
 
 void ScintillaBuffer::ColumnLineOf(long position, int32_t& column, int32_t& line) const {
+    flushEdits();
     line = static_cast<int32_t>(sci(QsciScintillaBase::SCI_LINEFROMPOSITION, position));
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
     const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
@@ -153,28 +185,39 @@ void ScintillaBuffer::ColumnLineOf(long position, int32_t& column, int32_t& line
                  : Utf8Columns::Column(lineBytes_.data(), count, count);
 }
 
-QByteArray ScintillaBuffer::toBufferText(const QString& text) const {
+QByteArray ScintillaBuffer::toBufferText(const QString& text) {
     // Every line end becomes the buffer's own LF, so lines are counted one way only.
     QByteArray utf8 = text.toUtf8();
-    if (!utf8.contains('\r'))
+    const qsizetype size = utf8.size();
+    const char* firstCr = static_cast<const char*>(std::memchr(utf8.constData(), '\r', size));
+    if (!firstCr)
         return utf8;
-    QByteArray out;
-    out.reserve(utf8.size());
-    for (qsizetype i = 0; i < utf8.size(); ++i) {
-        const char c = utf8[i];
-        if (c == '\r') {
-            out.push_back('\n');
-            if (i + 1 < utf8.size() && utf8[i + 1] == '\n')
-                ++i;
-        } else {
-            out.push_back(c);
-        }
+    // In place, a stretch between CRs at a time.
+    char* data = utf8.data();
+    qsizetype in = firstCr - utf8.constData();
+    qsizetype out = in;
+    while (in < size) {
+        data[out++] = '\n';
+        ++in;
+        if (in < size && data[in] == '\n')
+            ++in;
+        const void* next = std::memchr(data + in, '\r', static_cast<size_t>(size - in));
+        const qsizetype stop = next ? static_cast<const char*>(next) - data : size;
+        std::memmove(data + out, data + in, static_cast<size_t>(stop - in));
+        out += stop - in;
+        in = stop;
     }
-    return out;
+    utf8.truncate(out);
+    return utf8;
 }
 
 void ScintillaBuffer::InsertText(int32_t column, int32_t line, const QString& text, int32_t,
                                  int32_t& endColumn, int32_t& endLine) {
+    if (batching_ && !text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r'))) {
+        insertInLine(column, line, text, endColumn, endLine);
+        return;
+    }
+    flushEdits();
     line = std::max(line, 0);
     long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
     if (start < 0 || line >= NumLines()) {
@@ -192,16 +235,22 @@ void ScintillaBuffer::InsertText(int32_t column, int32_t line, const QString& te
     const auto lastBreak = bytes.lastIndexOf('\n');
     endLine = line + static_cast<int32_t>(bytes.count('\n'));
     if (lastBreak < 0) {
-        endColumn = startColumn + Utf8Columns::CodeUnits(bytes.constData(),
-                                                         static_cast<int32_t>(bytes.size()));
+        endColumn = startColumn +
+                    Utf8Columns::CodeUnits(bytes.constData(), static_cast<int32_t>(bytes.size()));
     } else {
         const char* tail = bytes.constData() + lastBreak + 1;
-        endColumn = Utf8Columns::CodeUnits(tail, static_cast<int32_t>(bytes.size() - lastBreak - 1));
+        endColumn =
+            Utf8Columns::CodeUnits(tail, static_cast<int32_t>(bytes.size() - lastBreak - 1));
     }
 }
 
 void ScintillaBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t endColumn,
                                  int32_t endLine) {
+    if (batching_ && startLine == endLine && startLine >= 0 && startLine < NumLines()) {
+        deleteInLine(startColumn, endColumn, startLine);
+        return;
+    }
+    flushEdits();
     long from = 0;
     long to = 0;
     if (startLine == endLine && startLine >= 0) {
@@ -258,21 +307,21 @@ void ScintillaBuffer::scanBytes(int32_t line, const char* bytes, int32_t byteCou
     scanLine_ = -1;
 }
 
-template <typename Fn> void ScintillaBuffer::forEachLine(int32_t first, int32_t last, Fn&& fn) {
+template <typename Fn>
+void ScintillaBuffer::forEachLine(int32_t first, int32_t last, Fn&& fn) const {
     const int32_t count = NumLines();
     first = std::max(first, 0);
     last = std::min(last, count - 1);
     if (last < first)
         return;
     const long rangeStart = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, first);
-    const long rangeEnd = last + 1 < count
-                              ? sci(QsciScintillaBase::SCI_POSITIONFROMLINE, last + 1)
-                              : sci(QsciScintillaBase::SCI_GETLENGTH);
+    const long rangeEnd = last + 1 < count ? sci(QsciScintillaBase::SCI_POSITIONFROMLINE, last + 1)
+                                           : sci(QsciScintillaBase::SCI_GETLENGTH);
     // The lines are read where the component keeps them: one call for the whole range
     // instead of three a line. Scanning and styling change no text, so the memory stays put.
-    const auto* p = reinterpret_cast<const char*>(
-        sci(QsciScintillaBase::SCI_GETRANGEPOINTER, static_cast<unsigned long>(rangeStart),
-            rangeEnd - rangeStart));
+    const auto* p = reinterpret_cast<const char*>(sci(QsciScintillaBase::SCI_GETRANGEPOINTER,
+                                                      static_cast<unsigned long>(rangeStart),
+                                                      rangeEnd - rangeStart));
     if (!p)
         return;
     const char* const end = p + (rangeEnd - rangeStart);
@@ -289,6 +338,7 @@ template <typename Fn> void ScintillaBuffer::forEachLine(int32_t first, int32_t 
 }
 
 std::vector<SourceToken> ScintillaBuffer::ScanLine(int32_t line) {
+    flushEdits();
     std::vector<SourceToken> tokens;
     if (line >= 0 && line < NumLines())
         scanInto(line, tokens);
@@ -296,6 +346,7 @@ std::vector<SourceToken> ScintillaBuffer::ScanLine(int32_t line) {
 }
 
 void ScintillaBuffer::UpdateLines(int32_t first, int32_t last, int32_t& scanTo) {
+    flushEdits();
     last = std::min(std::max(last, scanTo), NumLines() - 1);
     // Each changed flag asks the component to repaint; one repaint at the end will do.
     QWidget* viewport = editor_.viewport();
@@ -313,20 +364,31 @@ void ScintillaBuffer::UpdateLines(int32_t first, int32_t last, int32_t& scanTo) 
 
 int ScintillaBuffer::StyleOfKind(int32_t kind) {
     switch (kind) {
-    case TokenKind::Label: return 1;
-    case TokenKind::Keyword: return 2;
-    case TokenKind::Separator: return 3;
-    case TokenKind::Comment: return 4;
-    case TokenKind::String: return 5;
-    case TokenKind::Normal: return 6;
-    case TokenKind::Reserved: return 7;
-    case TokenKind::ValueMark: return 8;
-    case TokenKind::SubvalueMark: return 9;
-    default: return kDefaultStyle;
+    case TokenKind::Label:
+        return 1;
+    case TokenKind::Keyword:
+        return 2;
+    case TokenKind::Separator:
+        return 3;
+    case TokenKind::Comment:
+        return 4;
+    case TokenKind::String:
+        return 5;
+    case TokenKind::Normal:
+        return 6;
+    case TokenKind::Reserved:
+        return 7;
+    case TokenKind::ValueMark:
+        return 8;
+    case TokenKind::SubvalueMark:
+        return 9;
+    default:
+        return kDefaultStyle;
     }
 }
 
 void ScintillaBuffer::StyleLines(int32_t first, int32_t last) {
+    flushEdits();
     first = std::max(first, 0);
     last = std::min(last, NumLines() - 1);
     if (last < first)
@@ -368,6 +430,7 @@ void ScintillaBuffer::StyleLines(int32_t first, int32_t last) {
 }
 
 void ScintillaBuffer::InvalidateStyles(int32_t fromLine) {
+    flushEdits();
     const long position = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, clampLine(fromLine));
     if (position < sci(QsciScintillaBase::SCI_GETENDSTYLED))
         sci(QsciScintillaBase::SCI_STARTSTYLING, static_cast<unsigned long>(position), 0xff);
@@ -376,9 +439,11 @@ void ScintillaBuffer::InvalidateStyles(int32_t fromLine) {
 
 void ScintillaBuffer::RefreshLines(int32_t, int32_t, int32_t, int32_t caretColumn,
                                    int32_t caretLine) {
+    flushEdits();
     // The component repaints changed lines by itself; placing the caret also scrolls it
     // into view.
-    sci(QsciScintillaBase::SCI_GOTOPOS, static_cast<unsigned long>(PositionOf(caretColumn, caretLine)));
+    sci(QsciScintillaBase::SCI_GOTOPOS,
+        static_cast<unsigned long>(PositionOf(caretColumn, caretLine)));
 }
 
 void ScintillaBuffer::SetLex(std::shared_ptr<ISourceLex4> lex) {
@@ -388,16 +453,17 @@ void ScintillaBuffer::SetLex(std::shared_ptr<ISourceLex4> lex) {
 
 template <typename Fn> void ScintillaBuffer::runUnrecorded(Fn&& fn) {
     const long mask = sci(QsciScintillaBase::SCI_GETMODEVENTMASK);
+    const bool batching = batching_;
     sci(QsciScintillaBase::SCI_SETMODEVENTMASK, kOperationEventMask);
     sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 0);
-    struct Restore {
-        const ScintillaBuffer& b;
-        long mask;
-        ~Restore() {
-            b.sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1);
-            b.sci(QsciScintillaBase::SCI_SETMODEVENTMASK, mask);
-        }
-    } restore{*this, mask};
+    batching_ = true;
+    const auto restore = qScopeGuard([&] {
+        // What the operation left aside goes in while edits are still unrecorded.
+        flushEdits();
+        batching_ = batching;
+        sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1);
+        sci(QsciScintillaBase::SCI_SETMODEVENTMASK, mask);
+    });
     fn();
 }
 
@@ -461,9 +527,13 @@ void ScintillaBuffer::Redo() {
     noteModified(before);
 }
 
-bool ScintillaBuffer::CanUndo() const { return sci(QsciScintillaBase::SCI_CANUNDO) != 0; }
+bool ScintillaBuffer::CanUndo() const {
+    return sci(QsciScintillaBase::SCI_CANUNDO) != 0;
+}
 
-bool ScintillaBuffer::CanRedo() const { return sci(QsciScintillaBase::SCI_CANREDO) != 0; }
+bool ScintillaBuffer::CanRedo() const {
+    return sci(QsciScintillaBase::SCI_CANREDO) != 0;
+}
 
 void ScintillaBuffer::ClearUndoStack() {
     // Emptying the component's history also moves its save point; the modified state must
@@ -503,6 +573,7 @@ void ScintillaBuffer::noteModified(bool before) {
 }
 
 QString ScintillaBuffer::AllText() const {
+    flushEdits();
     const long length = sci(QsciScintillaBase::SCI_GETLENGTH);
     QByteArray bytes(static_cast<qsizetype>(length) + 1, Qt::Uninitialized);
     editor_.SendScintilla(QsciScintillaBase::SCI_GETTEXT, static_cast<unsigned long>(length + 1),
@@ -512,13 +583,145 @@ QString ScintillaBuffer::AllText() const {
 }
 
 void ScintillaBuffer::SetAllText(const QString& text) {
+    flushEdits();
     const QByteArray bytes = toBufferText(text);
     const bool before = Modified();
-    runUnrecorded([&] { editor_.SendScintilla(QsciScintillaBase::SCI_SETTEXT, bytes.constData()); });
+    runUnrecorded(
+        [&] { editor_.SendScintilla(QsciScintillaBase::SCI_SETTEXT, bytes.constData()); });
     // The old records no longer fit the text.
     sci(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
     ops_.clear();
     pending_.clear();
     forcedModified_ = before;
     noteModified(before);
+}
+
+void ScintillaBuffer::pendLine(int32_t line) {
+    if (line == edits_.LastLine())
+        return;
+    // Edits go to the last pending line only: anything else hands those over first.
+    if (line < edits_.LastLine())
+        flushEdits();
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
+    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
+    const int32_t last = edits_.LastLine();
+    const bool join = last >= 0 && line - last - 1 <= kJoinGap;
+    if (join) {
+        // The line end of the last pending line and the unchanged lines up to this one.
+        const int32_t count =
+            fetchRange(sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, last), start);
+        runBytes_.assign(lineBytes_.data(), static_cast<size_t>(count));
+    }
+    const int32_t count = fetchRange(start, end);
+    edits_.Add(line, std::string_view(lineBytes_.data(), static_cast<size_t>(count)),
+               join ? std::string_view(runBytes_) : std::string_view(), join);
+}
+
+int32_t ScintillaBuffer::pendingOffset(int32_t column) const {
+    std::string_view bytes;
+    edits_.Find(edits_.LastLine(), bytes);
+    const auto count = static_cast<int32_t>(bytes.size());
+    if (column <= 0)
+        return 0;
+    if (Utf8Columns::IsAscii(bytes.data(), count))
+        return std::min(column, count);
+    return Utf8Columns::ByteOffset(bytes.data(), count, column);
+}
+
+void ScintillaBuffer::insertInLine(int32_t column, int32_t line, const QString& text,
+                                   int32_t& endColumn, int32_t& endLine) {
+    line = std::clamp(line, 0, NumLines() - 1);
+    endLine = line;
+    pendLine(line);
+    const int32_t offset = pendingOffset(column);
+    std::string_view bytes;
+    edits_.Find(line, bytes);
+    const int32_t startColumn =
+        Utf8Columns::IsAscii(bytes.data(), offset)
+            ? offset
+            : Utf8Columns::Column(bytes.data(), static_cast<int32_t>(bytes.size()), offset);
+    endColumn = startColumn + static_cast<int32_t>(text.size());
+    if (text.isEmpty())
+        return;
+    runBytes_.clear();
+    appendUtf8(runBytes_, text);
+    edits_.ReplaceInLast(static_cast<size_t>(offset), 0, runBytes_);
+}
+
+void ScintillaBuffer::deleteInLine(int32_t startColumn, int32_t endColumn, int32_t line) {
+    pendLine(line);
+    int32_t from = pendingOffset(startColumn);
+    int32_t to = pendingOffset(endColumn);
+    if (to < from)
+        std::swap(from, to);
+    if (to > from)
+        edits_.ReplaceInLast(static_cast<size_t>(from), static_cast<size_t>(to - from), {});
+}
+
+void ScintillaBuffer::flushEdits() const {
+    if (edits_.IsEmpty())
+        return;
+    // Reads from here on must see Scintilla, not the pending text.
+    PendingLineEdits edits;
+    std::swap(edits, edits_);
+    // The caret and anchor are put back by line and column if their line is replaced;
+    // Scintilla would move them to the start of the replaced text.
+    int32_t caretColumn = 0, caretLine = 0, anchorColumn = 0, anchorLine = 0;
+    ColumnLineOf(sci(QsciScintillaBase::SCI_GETCURRENTPOS), caretColumn, caretLine);
+    ColumnLineOf(sci(QsciScintillaBase::SCI_GETANCHOR), anchorColumn, anchorLine);
+    bool selectionReplaced = false;
+
+    // Each restored line state asks for a repaint; one at the end will do.
+    QWidget* viewport = editor_.viewport();
+    const bool updates = viewport->updatesEnabled();
+    if (updates && edits.Runs().size() > 1)
+        viewport->setUpdatesEnabled(false);
+    for (const PendingLineEdits::Run& run : edits.Runs()) {
+        replaceRun(run, edits.Text(run));
+        const auto inRun = [&](int32_t line) { return line >= run.First && line <= run.Last; };
+        selectionReplaced = selectionReplaced || inRun(caretLine) || inRun(anchorLine);
+    }
+    if (updates && !viewport->updatesEnabled())
+        viewport->setUpdatesEnabled(true);
+    if (selectionReplaced)
+        sci(QsciScintillaBase::SCI_SETSEL,
+            static_cast<unsigned long>(PositionOf(anchorColumn, anchorLine)),
+            PositionOf(caretColumn, caretLine));
+    // The room stays for the next operation.
+    edits.Clear();
+    std::swap(edits, edits_);
+}
+
+void ScintillaBuffer::replaceRun(const PendingLineEdits::Run& run, std::string_view text) const {
+    const int32_t first = run.First;
+    const int32_t last = run.Last;
+    // Whole lines go and come back: their data words and markers are taken first.
+    states_.clear();
+    std::vector<std::pair<int32_t, long>> markers;
+    constexpr long allMarkers = -1;
+    if (first != last) {
+        for (int32_t line = first; line <= last; ++line)
+            states_.push_back(static_cast<int32_t>(sci(QsciScintillaBase::SCI_GETLINESTATE, line)));
+        for (long line = sci(QsciScintillaBase::SCI_MARKERNEXT, first, allMarkers);
+             line >= 0 && line <= last;
+             line = sci(QsciScintillaBase::SCI_MARKERNEXT, line + 1, allMarkers))
+            markers.emplace_back(static_cast<int32_t>(line),
+                                 sci(QsciScintillaBase::SCI_MARKERGET, line));
+    }
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, first);
+    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, last);
+    sci(QsciScintillaBase::SCI_SETTARGETRANGE, static_cast<unsigned long>(start), end);
+    editor_.SendScintilla(QsciScintillaBase::SCI_REPLACETARGET,
+                          static_cast<unsigned long>(text.size()), text.data());
+    if (first == last)
+        return;
+    for (size_t i = 0; i < states_.size(); ++i)
+        sci(QsciScintillaBase::SCI_SETLINESTATE, first + static_cast<unsigned long>(i), states_[i]);
+    // Scintilla gathered the markers of the removed lines on one of the new ones.
+    for (long line = sci(QsciScintillaBase::SCI_MARKERNEXT, first, allMarkers);
+         line >= 0 && line <= last;
+         line = sci(QsciScintillaBase::SCI_MARKERNEXT, line + 1, allMarkers))
+        sci(QsciScintillaBase::SCI_MARKERDELETE, static_cast<unsigned long>(line), -1);
+    for (const auto& [line, set] : markers)
+        sci(QsciScintillaBase::SCI_MARKERADDSET, static_cast<unsigned long>(line), set);
 }

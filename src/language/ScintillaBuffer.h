@@ -1,6 +1,7 @@
 #pragma once
 
 #include "language/ISourceLex4.h"
+#include "language/PendingLineEdits.h"
 #include "language/SourceBuffer.h"
 
 #include <QObject>
@@ -15,6 +16,11 @@ class QsciScintillaBase;
 // collection off and its insert/delete notifications masked, so that their cost never
 // grows with the document, and stand on Scintilla's undo stack as container actions whose
 // token is the operation's index. Typing stays in Scintilla's own undo records.
+//
+// Inside an operation, edits within one line are kept aside and given to Scintilla when
+// the operation ends (or something needs its positions): each Scintilla edit costs a few
+// searches of its line index, so an operation that touches every line replaces runs of
+// neighbouring lines in one edit instead. Line data and markers of those lines are kept.
 class ScintillaBuffer final : public QObject, public SourceBuffer {
     Q_OBJECT
 
@@ -86,7 +92,7 @@ private:
     void scanBytes(int32_t line, const char* bytes, int32_t byteCount,
                    std::vector<SourceToken>* tokens);
     // Calls fn(line, bytes, byteCount, lineEndLength) for each line of a range.
-    template <typename Fn> void forEachLine(int32_t first, int32_t last, Fn&& fn);
+    template <typename Fn> void forEachLine(int32_t first, int32_t last, Fn&& fn) const;
     int32_t clampLine(int32_t line) const;
     // Position of a column of the line that starts at `start`.
     long offsetInLine(long start, int32_t line, int32_t column) const;
@@ -95,7 +101,19 @@ private:
                     int foldNow, int foldPrev, int token, int annotationLines);
     void runPendingOps();
     void noteModified(bool before);
-    QByteArray toBufferText(const QString& text) const;
+    static QByteArray toBufferText(const QString& text);
+    // Edits kept aside inside an operation.
+    // Makes `line` the pending line that edits go to.
+    void pendLine(int32_t line);
+    // Byte offset of a column in the last pending line.
+    int32_t pendingOffset(int32_t column) const;
+    void insertInLine(int32_t column, int32_t line, const QString& text, int32_t& endColumn,
+                      int32_t& endLine);
+    void deleteInLine(int32_t startColumn, int32_t endColumn, int32_t line);
+    // Gives the edits kept aside to Scintilla. Changes no text that the buffer shows.
+    void flushEdits() const;
+    // Gives one run of pending lines to Scintilla in one edit.
+    void replaceRun(const PendingLineEdits::Run& run, std::string_view text) const;
     int scanInto(int32_t line, std::vector<SourceToken>& tokens);
 
     QsciScintillaBase& editor_;
@@ -111,6 +129,10 @@ private:
     int inUndoRedo_ = 0;
     bool forcedModified_ = false;
     bool lastModified_ = false;
+    mutable PendingLineEdits edits_;
+    bool batching_ = false;
+    mutable std::string runBytes_;
+    mutable std::vector<int32_t> states_;
     mutable std::string lineBytes_;
     mutable QString lineText_;
     std::vector<SourceToken> tokens_;

@@ -6,6 +6,7 @@
 #include "language/SourceView.h"
 
 #include <QKeyEvent>
+#include <functional>
 
 namespace {
 
@@ -28,7 +29,8 @@ public:
         int endColumn = 0;
         int endLine = 0;
         for (int line = first_; line <= last_; ++line)
-            b.InsertText(0, line, taken_[static_cast<size_t>(line - first_)], 0, endColumn, endLine);
+            b.InsertText(0, line, taken_[static_cast<size_t>(line - first_)], 0, endColumn,
+                         endLine);
         b.RefreshLines(70, first_, last_, 0, first_);
     }
 
@@ -41,7 +43,8 @@ private:
 class CountingLex final : public ISourceLex4 {
 public:
     int linesSeen = 0;
-    void ISourceLex4_BeginLineScan(SourceBuffer&, int32_t line, QStringView text, int32_t) override {
+    void ISourceLex4_BeginLineScan(SourceBuffer&, int32_t line, QStringView text,
+                                   int32_t) override {
         line_ = line;
         length_ = static_cast<int32_t>(text.size());
         index_ = 0;
@@ -65,6 +68,22 @@ public:
 private:
     int32_t line_ = 0, length_ = 0, index_ = 0;
 };
+
+// An operation whose body is given by the test.
+class OpScript final : public ISourceOp {
+public:
+    std::function<void(SourceBuffer&)> Do;
+    std::function<void(SourceBuffer&)> Undo;
+    void ISourceOp_DoOp(SourceBuffer& b) override { Do(b); }
+    void ISourceOp_UndoOp(SourceBuffer& b) override { Undo(b); }
+};
+
+QStringList allLines(const SourceBuffer& b) {
+    QStringList out;
+    for (int i = 0; i < b.NumLines(); ++i)
+        out << b.GetLine(i);
+    return out;
+}
 
 void typeText(SourceView& view, const QString& text) {
     for (QChar c : text)
@@ -128,15 +147,19 @@ private Q_SLOTS:
         QTest::addColumn<int>("column");
         QTest::addColumn<QString>("insert");
         QTest::addColumn<QString>("expected");
-        const QString e = QString::fromUtf8("\xC3\xA9");         // é, 2 bytes
-        const QString euro = QString::fromUtf8("\xE2\x82\xAC");  // €, 3 bytes
+        const QString e = QString::fromUtf8("\xC3\xA9");             // é, 2 bytes
+        const QString euro = QString::fromUtf8("\xE2\x82\xAC");      // €, 3 bytes
         const QString smile = QString::fromUtf8("\xF0\x9F\x98\x80"); // surrogate pair
-        QTest::newRow("ascii") << "abcd" << 2 << "X" << "abXcd";
+        QTest::newRow("ascii") << "abcd" << 2 << "X"
+                               << "abXcd";
         QTest::newRow("two-byte") << (e + e + "z") << 2 << "X" << (e + e + "Xz");
         QTest::newRow("three-byte") << (euro + "a") << 1 << "X" << (euro + "Xa");
         QTest::newRow("after pair") << ("a" + smile + "b") << 3 << "X" << ("a" + smile + "Xb");
-        QTest::newRow("past end") << "ab" << 40 << "X" << "abX";
-        QTest::newRow("mark") << QString("a\x1d" "b") << 2 << "X" << QString("a\x1dXb");
+        QTest::newRow("past end") << "ab" << 40 << "X"
+                                  << "abX";
+        QTest::newRow("mark") << QString("a\x1d"
+                                         "b")
+                              << 2 << "X" << QString("a\x1dXb");
     }
     void columnsInCodeUnits() {
         QFETCH(QString, line);
@@ -337,12 +360,105 @@ private Q_SLOTS:
     void marksStayInTheText() {
         ScintillaBuffer& b = view->Buffer();
         int c = 0, l = 0;
-        b.InsertText(0, 0, QString("A\x1d" "B\x1c" "C"), 0, c, l);
-        QCOMPARE(b.GetLine(0), QString("A\x1d" "B\x1c" "C"));
+        b.InsertText(0, 0,
+                     QString("A\x1d"
+                             "B\x1c"
+                             "C"),
+                     0, c, l);
+        QCOMPARE(b.GetLine(0), QString("A\x1d"
+                                       "B\x1c"
+                                       "C"));
         QCOMPARE(b.GetLineLength(0), 5);
         char shown[8] = {};
-        view->SendScintilla(QsciScintillaBase::SCI_GETREPRESENTATION, reinterpret_cast<uintptr_t>("\x1d"), shown);
+        view->SendScintilla(QsciScintillaBase::SCI_GETREPRESENTATION,
+                            reinterpret_cast<uintptr_t>("\x1d"), shown);
         QCOMPARE(QByteArray(shown), QByteArray("]"));
+    }
+
+    // Edits inside an operation give the same lines as the same edits outside one, also
+    // read back while the operation runs; the lines keep their data words and bookmarks,
+    // and the selection stays on its lines.
+    void editsInsideAnOperation_data() {
+        QTest::addColumn<QList<int>>("order");
+        const auto lines = [](int from, int to, int step) {
+            QList<int> out;
+            for (int i = from; step > 0 ? i <= to : i >= to; i += step)
+                out << i;
+            return out;
+        };
+        QTest::newRow("every line") << lines(0, 39, 1);
+        QTest::newRow("every third line") << lines(1, 39, 3);
+        QTest::newRow("far apart") << lines(2, 39, 10);
+        QTest::newRow("bottom up") << lines(39, 0, -1);
+        QTest::newRow("back and forth") << QList<int>{5, 6, 5, 30, 7, 31, 0, 39, 38};
+    }
+    void editsInsideAnOperation() {
+        QFETCH(QList<int>, order);
+        QStringList start;
+        for (int i = 0; i < 40; ++i)
+            start << QStringLiteral("%1 line \u00e9 \U0001D11E \x1d end").arg(i);
+        // Each line: a prefix, a suffix past its end, two characters out, and an insert
+        // between the halves of a surrogate pair, which lands in front of the pair.
+        QStringList seen;
+        const auto script = [&](SourceBuffer& b) {
+            for (int line : order) {
+                int c = 0, l = 0;
+                b.InsertText(0, line, QStringLiteral("> "), 0, c, l);
+                seen << QStringLiteral("%1,%2").arg(c).arg(l);
+                b.InsertText(999, line, QStringLiteral(" <"), 0, c, l);
+                seen << QStringLiteral("%1,%2").arg(c).arg(l);
+                b.DeleteText(6, line, 4, line);
+                const int pair = static_cast<int>(b.GetLine(line).indexOf(QChar(0xD834)));
+                b.InsertText(pair + 1, line, QStringLiteral("|"), 0, c, l);
+                seen << b.GetLine(line) << QString::number(b.GetLineLength(line));
+            }
+        };
+        SourceView plain;
+        plain.Buffer().SetAllText(start.join(QLatin1Char('\n')));
+        script(plain.Buffer());
+        const QStringList expected = allLines(plain.Buffer());
+        const QStringList expectedSeen = seen;
+        seen.clear();
+
+        ScintillaBuffer& b = view->Buffer();
+        b.SetAllText(start.join(QLatin1Char('\n')));
+        for (int i = 0; i < 40; ++i)
+            b.SetLineData(i, 1, 1000 + i);
+        const QList<int> bookmarks{3, 4, 17, 39};
+        for (int line : bookmarks)
+            view->SendScintilla(QsciScintillaBase::SCI_MARKERADD, line,
+                                ScintillaBuffer::BookmarkMarker);
+        view->SetSelection(3, 22, 1, 21);
+        const auto keeps = [&] {
+            for (int i = 0; i < 40; ++i) {
+                QCOMPARE(b.GetLineData(i, 1), 1000 + i);
+                QCOMPARE(view->HasBookmark(i), bookmarks.contains(i));
+            }
+            int anchorColumn = 0, anchorLine = 0, caretColumn = 0, caretLine = 0;
+            view->GetSelection(anchorColumn, anchorLine, caretColumn, caretLine);
+            QCOMPARE(anchorLine, 22);
+            QCOMPARE(caretLine, 21);
+        };
+
+        auto op = std::make_unique<OpScript>();
+        op->Do = script;
+        op->Undo = [&](SourceBuffer& buffer) {
+            for (int line = 39; line >= 0; --line) {
+                int c = 0, l = 0;
+                buffer.DeleteText(0, line, buffer.GetLineLength(line), line);
+                buffer.InsertText(0, line, start[line], 0, c, l);
+            }
+        };
+        b.ExecuteOp(std::move(op));
+        QCOMPARE(seen, expectedSeen);
+        QCOMPARE(allLines(b), expected);
+        keeps();
+        b.Undo();
+        QCOMPARE(allLines(b), start);
+        keeps();
+        b.Redo();
+        QCOMPARE(allLines(b), expected);
+        keeps();
     }
 
     void setAllTextReplacesAndForgetsRecords() {
