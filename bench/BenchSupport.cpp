@@ -22,7 +22,9 @@ QString Program(int lines) {
         "         REGION.TOTAL = REGION.TOTAL + CUST.REC<2,VALUE.NO> * RATE",
         "      NEXT VALUE.NO ; * values",
         "   END ELSE ; * not active",
-        "      MESSAGE.TEXT = \"Inactive\x1d" "customer\x1c" "flagged for review\" : CUST.ID",
+        "      MESSAGE.TEXT = \"Inactive\x1d"
+        "customer\x1c"
+        "flagged for review\" : CUST.ID",
         "      GOSUB L%1 ; * report it",
         "   END ; * of the status check",
         "   LOOP ; * over the list",

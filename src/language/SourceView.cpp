@@ -68,7 +68,8 @@ int32_t SourceView::CursorCol() const {
 }
 
 int32_t SourceView::CursorLine() const {
-    return static_cast<int32_t>(SendScintilla(SCI_LINEFROMPOSITION, SendScintilla(SCI_GETCURRENTPOS)));
+    return static_cast<int32_t>(
+        SendScintilla(SCI_LINEFROMPOSITION, SendScintilla(SCI_GETCURRENTPOS)));
 }
 
 bool SourceView::HasSelection() const {
@@ -92,7 +93,9 @@ void SourceView::SetCursor(int32_t column, int32_t line) {
     SendScintilla(SCI_GOTOPOS, static_cast<unsigned long>(buffer_->PositionOf(column, line)));
 }
 
-int32_t SourceView::TabSize() const { return static_cast<int32_t>(SendScintilla(SCI_GETTABWIDTH)); }
+int32_t SourceView::TabSize() const {
+    return static_cast<int32_t>(SendScintilla(SCI_GETTABWIDTH));
+}
 
 void SourceView::SetTabSize(int32_t size) {
     size = std::max(size, 1);
@@ -100,13 +103,17 @@ void SourceView::SetTabSize(int32_t size) {
     SendScintilla(SCI_SETINDENT, size);
 }
 
-bool SourceView::LineWrap() const { return SendScintilla(SCI_GETWRAPMODE) != SC_WRAP_NONE; }
+bool SourceView::LineWrap() const {
+    return SendScintilla(SCI_GETWRAPMODE) != SC_WRAP_NONE;
+}
 
 void SourceView::SetLineWrap(bool wrap) {
     SendScintilla(SCI_SETWRAPMODE, wrap ? SC_WRAP_WORD : SC_WRAP_NONE);
 }
 
-bool SourceView::OvertypeMode() const { return SendScintilla(SCI_GETOVERTYPE) != 0; }
+bool SourceView::OvertypeMode() const {
+    return SendScintilla(SCI_GETOVERTYPE) != 0;
+}
 
 void SourceView::PointToPosition(int x, int y, int32_t& column, int32_t& line) const {
     const long position = SendScintilla(SCI_POSITIONFROMPOINT, static_cast<unsigned long>(x), y);
@@ -116,15 +123,19 @@ void SourceView::PointToPosition(int x, int y, int32_t& column, int32_t& line) c
 void SourceView::ScreenPosition(int32_t column, int32_t line, int32_t& displayColumn,
                                 int32_t& displayLine) const {
     const long position = buffer_->PositionOf(column, line);
-    displayColumn = static_cast<int32_t>(SendScintilla(SCI_GETCOLUMN, static_cast<unsigned long>(position)));
+    displayColumn =
+        static_cast<int32_t>(SendScintilla(SCI_GETCOLUMN, static_cast<unsigned long>(position)));
     displayLine = line;
 }
 
 int32_t SourceView::FirstVisibleLine() const {
-    return static_cast<int32_t>(SendScintilla(SCI_DOCLINEFROMVISIBLE, SendScintilla(SCI_GETFIRSTVISIBLELINE)));
+    return static_cast<int32_t>(
+        SendScintilla(SCI_DOCLINEFROMVISIBLE, SendScintilla(SCI_GETFIRSTVISIBLELINE)));
 }
 
-int32_t SourceView::VisibleRows() const { return static_cast<int32_t>(SendScintilla(SCI_LINESONSCREEN)); }
+int32_t SourceView::VisibleRows() const {
+    return static_cast<int32_t>(SendScintilla(SCI_LINESONSCREEN));
+}
 
 void SourceView::ToggleBookmark(int32_t line) {
     if (HasBookmark(line))
@@ -167,7 +178,8 @@ void SourceView::keyPressEvent(QKeyEvent* event) {
         return event->accept();
     }
     if (event->key() == Qt::Key_F2) {
-        const auto mods = event->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
+        const auto mods =
+            event->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
         if (mods == Qt::ControlModifier)
             ToggleBookmark(CursorLine());
         else if (mods == Qt::ShiftModifier)
@@ -195,4 +207,3 @@ void SourceView::contextMenuEvent(QContextMenuEvent* event) {
     Q_EMIT ContextMenuRequested(event->globalPos());
     event->accept();
 }
-

@@ -31,7 +31,9 @@ void* SourceViewAccessible::interface_cast(QAccessible::InterfaceType type) {
     return QAccessibleWidget::interface_cast(type);
 }
 
-SourceView* SourceViewAccessible::view() const { return static_cast<SourceView*>(widget()); }
+SourceView* SourceViewAccessible::view() const {
+    return static_cast<SourceView*>(widget());
+}
 
 long SourceViewAccessible::positionOf(int offset) const {
     return view()->SendScintilla(QsciScintillaBase::SCI_POSITIONRELATIVECODEUNITS, 0UL,
@@ -51,7 +53,9 @@ void SourceViewAccessible::selection(int selectionIndex, int* startOffset, int* 
     *endOffset = offsetOf(view()->SendScintilla(QsciScintillaBase::SCI_GETSELECTIONEND));
 }
 
-int SourceViewAccessible::selectionCount() const { return view()->HasSelection() ? 1 : 0; }
+int SourceViewAccessible::selectionCount() const {
+    return view()->HasSelection() ? 1 : 0;
+}
 
 void SourceViewAccessible::addSelection(int startOffset, int endOffset) {
     setSelection(0, startOffset, endOffset);
@@ -59,12 +63,14 @@ void SourceViewAccessible::addSelection(int startOffset, int endOffset) {
 
 void SourceViewAccessible::removeSelection(int) {
     const long caret = view()->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS);
-    view()->SendScintilla(QsciScintillaBase::SCI_SETEMPTYSELECTION, static_cast<unsigned long>(caret));
+    view()->SendScintilla(QsciScintillaBase::SCI_SETEMPTYSELECTION,
+                          static_cast<unsigned long>(caret));
 }
 
 void SourceViewAccessible::setSelection(int, int startOffset, int endOffset) {
     view()->SendScintilla(QsciScintillaBase::SCI_SETSEL,
-                          static_cast<unsigned long>(positionOf(startOffset)), positionOf(endOffset));
+                          static_cast<unsigned long>(positionOf(startOffset)),
+                          positionOf(endOffset));
 }
 
 int SourceViewAccessible::cursorPosition() const {
@@ -93,9 +99,12 @@ int SourceViewAccessible::characterCount() const {
 
 QRect SourceViewAccessible::characterRect(int offset) const {
     const long position = positionOf(offset);
-    const int x = static_cast<int>(view()->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, position));
-    const int y = static_cast<int>(view()->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, position));
-    const int height = static_cast<int>(view()->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL));
+    const int x = static_cast<int>(
+        view()->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0UL, position));
+    const int y = static_cast<int>(
+        view()->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0UL, position));
+    const int height =
+        static_cast<int>(view()->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT, 0UL));
     const QPoint origin = view()->viewport()->mapToGlobal(QPoint(x, y));
     return QRect(origin, QSize(1, height));
 }

@@ -15,7 +15,9 @@ inline int32_t SequenceLength(unsigned char lead) {
     return 4;
 }
 
-inline int32_t UnitsOf(int32_t sequenceLength) { return sequenceLength == 4 ? 2 : 1; }
+inline int32_t UnitsOf(int32_t sequenceLength) {
+    return sequenceLength == 4 ? 2 : 1;
+}
 
 } // namespace
 
