@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringView>
 #include <cstdint>
+#include <vector>
 
 class SourceBuffer;
 
@@ -28,6 +29,11 @@ public:
     virtual int32_t ISourceLex4_GetProperties(int32_t& properties) = 0;
     virtual void ISourceLex4_ScanToken(SourceToken& token) = 0;
     virtual void ISourceLex4_SetLineIndex(int32_t index) = 0;
+
+    // One whole line in the order above: its tokens into `tokens` when given, its flags
+    // stored by EndLineScan. A scanner may answer it in one go; buffers scan through it.
+    virtual void ISourceLex4_ScanLine(SourceBuffer& buffer, int32_t line, QStringView text,
+                                      std::vector<SourceToken>* tokens);
 };
 
 namespace TokenKind {

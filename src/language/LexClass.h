@@ -46,6 +46,8 @@ public:
     int32_t ISourceLex4_GetProperties(int32_t& properties) override;
     void ISourceLex4_ScanToken(SourceToken& token) override;
     void ISourceLex4_SetLineIndex(int32_t index) override { scanIndex_ = index; }
+    void ISourceLex4_ScanLine(SourceBuffer& buffer, int32_t line, QStringView text,
+                              std::vector<SourceToken>* tokens) override;
 
     // Scan state of the current line, for those who look inside.
     int16_t LastKind() const { return lastKind_; }
@@ -65,6 +67,7 @@ private:
         const char16_t c = at(i);
         return c == kValueMark || c == kSubvalueMark;
     }
+    void scanToken(SourceToken& token);
     // The raw kind of the token that starts at scanIndex_; `end` becomes where it ends.
     int32_t scan(int32_t& end);
     int32_t scanContinued(int32_t p, int32_t& end, int32_t partKind, int32_t wholeKind,

@@ -198,19 +198,9 @@ void LineBuffer::UpdateLines(int32_t first, int32_t last, int32_t& scanTo) {
     scanTo = last;
     if (!lex_)
         return;
-    SourceToken token;
-    for (int32_t line = first; line <= last; ++line) {
-        const QString& text = lines_[static_cast<size_t>(line)].Text;
-        lex_->ISourceLex4_BeginLineScan(*this, line, QStringView(text), 0);
-        // No line has more tokens than characters: a scanner that stops moving can't hang.
-        for (qsizetype guard = 0; guard <= text.size() + 1; ++guard) {
-            lex_->ISourceLex4_ScanToken(token);
-            if (token.Kind == TokenKind::End || token.Length <= 0)
-                break;
-        }
-        bool rescanOthers = false;
-        lex_->ISourceLex4_EndLineScan(*this, rescanOthers);
-    }
+    for (int32_t line = first; line <= last; ++line)
+        lex_->ISourceLex4_ScanLine(*this, line, QStringView(lines_[static_cast<size_t>(line)].Text),
+                                   nullptr);
 }
 
 void LineBuffer::RefreshLines(int32_t, int32_t, int32_t, int32_t caretColumn, int32_t caretLine) {

@@ -58,17 +58,41 @@ long ScintillaBuffer::sci(unsigned int message, unsigned long wParam, long lPara
 }
 
 int32_t ScintillaBuffer::NumLines() const {
-    return static_cast<int32_t>(sci(QsciScintillaBase::SCI_GETLINECOUNT));
+    // Inside an operation only the buffer changes the text: the count is asked once.
+    if (batching_ && lineCount_ >= 0)
+        return lineCount_;
+    const auto count = static_cast<int32_t>(sci(QsciScintillaBase::SCI_GETLINECOUNT));
+    if (batching_)
+        lineCount_ = count;
+    return count;
 }
 
 int32_t ScintillaBuffer::clampLine(int32_t line) const {
     return std::clamp(line, 0, NumLines() - 1);
 }
 
-int32_t ScintillaBuffer::fetchLine(int32_t line) const {
+std::string_view ScintillaBuffer::lineSpan(int32_t line, long* end) const {
+    const int32_t count = NumLines();
+    if (line < 0 || line >= count)
+        return {};
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
-    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
-    return fetchRange(start, end);
+    const long next = line + 1 < count ? sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line + 1)
+                                       : sci(QsciScintillaBase::SCI_GETLENGTH);
+    long length = next - start;
+    const char* bytes =
+        length > 0 ? reinterpret_cast<const char*>(sci(QsciScintillaBase::SCI_GETRANGEPOINTER,
+                                                       static_cast<unsigned long>(start), length))
+                   : nullptr;
+    if (!bytes)
+        length = 0;
+    // Only the last line has no line end, and no line holds a CR or LF of its own.
+    if (length > 0 && bytes[length - 1] == '\n')
+        --length;
+    if (length > 0 && bytes[length - 1] == '\r')
+        --length;
+    if (end)
+        *end = start + length;
+    return {bytes, static_cast<size_t>(length)};
 }
 
 int32_t ScintillaBuffer::fetchRange(long start, long end) const {
@@ -106,11 +130,9 @@ QString ScintillaBuffer::GetLine(int32_t line) const {
         decodeLine(pending.data(), static_cast<int32_t>(pending.size()));
         return lineText_;
     }
-    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
-    if (start < 0)
-        return {};
-    // A line past the last one starts and ends at the document's end: it reads as empty.
-    decodeLine(fetchRange(start, sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line)));
+    // A line past the last one reads as empty.
+    const std::string_view bytes = lineSpan(line);
+    decodeLine(bytes.data(), static_cast<int32_t>(bytes.size()));
     return lineText_;
 }
 
@@ -121,18 +143,9 @@ int32_t ScintillaBuffer::GetLineLength(int32_t line) const {
         return 0;
     if (std::string_view pending; edits_.Find(line, pending))
         return Utf8Columns::CodeUnits(pending.data(), static_cast<int32_t>(pending.size()));
-    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
-    if (start < 0)
-        return 0;
-    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
-    const auto count = static_cast<int32_t>(std::max(0L, end - start));
-    // The scanner asks for the length while it holds a view of lineText_: use a scratch
-    // buffer of its own here.
-    thread_local std::string scratch;
-    scratch.resize(static_cast<size_t>(count) + 1);
-    if (count > 0)
-        editor_.SendScintilla(QsciScintillaBase::SCI_GETTEXTRANGE, start, end, scratch.data());
-    return Utf8Columns::CodeUnits(scratch.data(), count);
+    // Counted where the component keeps the line: the scanner may hold a view of lineText_.
+    const std::string_view bytes = lineSpan(line);
+    return Utf8Columns::CodeUnits(bytes.data(), static_cast<int32_t>(bytes.size()));
 }
 
 int32_t ScintillaBuffer::GetLineData(int32_t line, int32_t word) const {
@@ -231,6 +244,7 @@ void ScintillaBuffer::InsertText(int32_t column, int32_t line, const QString& te
     const QByteArray bytes = toBufferText(text);
     if (!bytes.isEmpty())
         editor_.SendScintilla(QsciScintillaBase::SCI_INSERTTEXT, position, bytes.constData());
+    lineCount_ = -1;
 
     const auto lastBreak = bytes.lastIndexOf('\n');
     endLine = line + static_cast<int32_t>(bytes.count('\n'));
@@ -268,11 +282,13 @@ void ScintillaBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t
         std::swap(from, to);
     if (to > from)
         sci(QsciScintillaBase::SCI_DELETERANGE, static_cast<unsigned long>(from), to - from);
+    lineCount_ = -1;
 }
 
 int ScintillaBuffer::scanInto(int32_t line, std::vector<SourceToken>& tokens) {
-    const int32_t byteCount = fetchLine(line);
-    scanBytes(line, lineBytes_.data(), byteCount, &tokens);
+    const std::string_view bytes = lineSpan(line);
+    const auto byteCount = static_cast<int32_t>(bytes.size());
+    scanBytes(line, bytes.data(), byteCount, &tokens);
     return byteCount;
 }
 
@@ -291,19 +307,7 @@ void ScintillaBuffer::scanBytes(int32_t line, const char* bytes, int32_t byteCou
     // without going back to the component.
     scanLine_ = line;
     scanLength_ = length;
-    lex_->ISourceLex4_BeginLineScan(*this, line, QStringView(lineText_), 0);
-    SourceToken token;
-    // A scanner that stops moving must not hang the editor: no line has more tokens than
-    // characters.
-    for (int32_t guard = 0; guard <= length + 1; ++guard) {
-        lex_->ISourceLex4_ScanToken(token);
-        if (token.Kind == TokenKind::End || token.Length <= 0)
-            break;
-        if (tokens)
-            tokens->push_back(token);
-    }
-    bool rescanOthers = false;
-    lex_->ISourceLex4_EndLineScan(*this, rescanOthers);
+    lex_->ISourceLex4_ScanLine(*this, line, QStringView(lineText_), tokens);
     scanLine_ = -1;
 }
 
@@ -326,9 +330,13 @@ void ScintillaBuffer::forEachLine(int32_t first, int32_t last, Fn&& fn) const {
         return;
     const char* const end = p + (rangeEnd - rangeStart);
     for (int32_t line = first; line <= last; ++line) {
-        const char* lineEnd = p;
-        while (lineEnd < end && *lineEnd != '\n' && *lineEnd != '\r')
-            ++lineEnd;
+        // Lines end in LF; a CR is looked for only up to it.
+        const auto* lf =
+            static_cast<const char*>(std::memchr(p, '\n', static_cast<size_t>(end - p)));
+        const char* lineEnd = lf ? lf : end;
+        if (const auto* cr =
+                static_cast<const char*>(std::memchr(p, '\r', static_cast<size_t>(lineEnd - p))))
+            lineEnd = cr;
         int32_t eol = 0;
         if (lineEnd < end)
             eol = (*lineEnd == '\r' && lineEnd + 1 < end && lineEnd[1] == '\n') ? 2 : 1;
@@ -457,10 +465,12 @@ template <typename Fn> void ScintillaBuffer::runUnrecorded(Fn&& fn) {
     sci(QsciScintillaBase::SCI_SETMODEVENTMASK, kOperationEventMask);
     sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 0);
     batching_ = true;
+    lineCount_ = -1;
     const auto restore = qScopeGuard([&] {
         // What the operation left aside goes in while edits are still unrecorded.
         flushEdits();
         batching_ = batching;
+        lineCount_ = -1;
         sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1);
         sci(QsciScintillaBase::SCI_SETMODEVENTMASK, mask);
     });
@@ -602,19 +612,16 @@ void ScintillaBuffer::pendLine(int32_t line) {
     // Edits go to the last pending line only: anything else hands those over first.
     if (line < edits_.LastLine())
         flushEdits();
-    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line);
-    const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, line);
     const int32_t last = edits_.LastLine();
     const bool join = last >= 0 && line - last - 1 <= kJoinGap;
     if (join) {
         // The line end of the last pending line and the unchanged lines up to this one.
         const int32_t count =
-            fetchRange(sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, last), start);
+            fetchRange(pendingEnd_, sci(QsciScintillaBase::SCI_POSITIONFROMLINE, line));
         runBytes_.assign(lineBytes_.data(), static_cast<size_t>(count));
     }
-    const int32_t count = fetchRange(start, end);
-    edits_.Add(line, std::string_view(lineBytes_.data(), static_cast<size_t>(count)),
-               join ? std::string_view(runBytes_) : std::string_view(), join);
+    const std::string_view bytes = lineSpan(line, &pendingEnd_);
+    edits_.Add(line, bytes, join ? std::string_view(runBytes_) : std::string_view(), join);
 }
 
 int32_t ScintillaBuffer::pendingOffset(int32_t column) const {

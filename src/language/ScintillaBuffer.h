@@ -8,6 +8,7 @@
 #include <QString>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class QsciScintillaBase;
@@ -81,8 +82,9 @@ Q_SIGNALS:
 
 private:
     long sci(unsigned int message, unsigned long wParam = 0, long lParam = 0) const;
-    // Reads a line's bytes into lineBytes_ and returns their count (line end excluded).
-    int32_t fetchLine(int32_t line) const;
+    // A line's bytes (line end excluded) where the component keeps them, valid until the
+    // text changes or another range is asked for; `end` gets the position behind them.
+    std::string_view lineSpan(int32_t line, long* end = nullptr) const;
     // Reads bytes of the document into lineBytes_ and returns their count.
     int32_t fetchRange(long start, long end) const;
     // Makes lineText_ the UTF-16 text of lineBytes_.
@@ -131,6 +133,9 @@ private:
     bool lastModified_ = false;
     mutable PendingLineEdits edits_;
     bool batching_ = false;
+    mutable int32_t lineCount_ = -1;
+    // Where the last pending line ends in the component.
+    long pendingEnd_ = 0;
     mutable std::string runBytes_;
     mutable std::vector<int32_t> states_;
     mutable std::string lineBytes_;
