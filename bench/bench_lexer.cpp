@@ -23,12 +23,19 @@ int main(int argc, char** argv) {
     buffer.SetAllText(program);
     QCoreApplication::processEvents();
 
-    // Every line scanned and its flags stored, as a format pass needs them.
+    // Every line scanned and its flags stored, as a format pass needs them. Each round
+    // starts from cleared flags, so that every store is a change.
     const int32_t lines = buffer.NumLines();
-    int32_t scanTo = lines - 1;
-    Bench::Stopwatch scan;
-    buffer.UpdateLines(0, lines - 1, scanTo);
-    Bench::Report("lex_all_53mb", megabytes / (scan.Ms() / 1000.0), "MB/s");
+    std::vector<double> rates;
+    for (int round = 0; round < 5; ++round) {
+        for (int32_t line = 0; line < lines; ++line)
+            buffer.SetLineData(line, 1, 0);
+        int32_t scanTo = lines - 1;
+        Bench::Stopwatch scan;
+        buffer.UpdateLines(0, lines - 1, scanTo);
+        rates.push_back(megabytes / (scan.Ms() / 1000.0));
+    }
+    Bench::Report("lex_all_53mb", Bench::Median(rates), "MB/s");
 
     Bench::Report("type_char_53mb_lexed", Bench::TypeKeys(view, 500000, 10), "us");
     return 0;
