@@ -469,6 +469,20 @@ private Q_SLOTS:
             QCOMPARE(at, b.GetLineLength(i));
             QCOMPARE(b.GetLineData(i, 1), flags);
             QVERIFY(sameTokens(b.ScanLine(i), first));
+            // Token by token gives what the scan of the whole line gave.
+            const QString text = b.GetLine(i);
+            std::vector<SourceToken> single;
+            lex->ISourceLex4_BeginLineScan(b, i, text, 0);
+            for (SourceToken t; single.size() <= static_cast<size_t>(text.size());) {
+                lex->ISourceLex4_ScanToken(t);
+                if (t.Kind == TokenKind::End || t.Length <= 0)
+                    break;
+                single.push_back(t);
+            }
+            bool others = false;
+            lex->ISourceLex4_EndLineScan(b, others);
+            QVERIFY(sameTokens(single, first));
+            QCOMPARE(b.GetLineData(i, 1), flags);
         }
     }
 
