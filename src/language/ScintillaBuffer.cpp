@@ -71,7 +71,18 @@ int32_t ScintillaBuffer::clampLine(int32_t line) const {
     return std::clamp(line, 0, NumLines() - 1);
 }
 
+void ScintillaBuffer::forgetReads() const {
+    lineCount_ = -1;
+    span_.Line = -1;
+}
+
 std::string_view ScintillaBuffer::lineSpan(int32_t line, long* end) const {
+    // An operation reads a line and then edits it: the second read is free.
+    if (batching_ && line == span_.Line) {
+        if (end)
+            *end = span_.End;
+        return span_.Bytes;
+    }
     const int32_t count = NumLines();
     if (line < 0 || line >= count)
         return {};
@@ -90,9 +101,12 @@ std::string_view ScintillaBuffer::lineSpan(int32_t line, long* end) const {
         --length;
     if (length > 0 && bytes[length - 1] == '\r')
         --length;
+    const std::string_view span(bytes, static_cast<size_t>(length));
     if (end)
         *end = start + length;
-    return {bytes, static_cast<size_t>(length)};
+    if (batching_)
+        span_ = {line, span, start + length};
+    return span;
 }
 
 int32_t ScintillaBuffer::fetchRange(long start, long end) const {
@@ -244,7 +258,7 @@ void ScintillaBuffer::InsertText(int32_t column, int32_t line, const QString& te
     const QByteArray bytes = toBufferText(text);
     if (!bytes.isEmpty())
         editor_.SendScintilla(QsciScintillaBase::SCI_INSERTTEXT, position, bytes.constData());
-    lineCount_ = -1;
+    forgetReads();
 
     const auto lastBreak = bytes.lastIndexOf('\n');
     endLine = line + static_cast<int32_t>(bytes.count('\n'));
@@ -282,7 +296,7 @@ void ScintillaBuffer::DeleteText(int32_t startColumn, int32_t startLine, int32_t
         std::swap(from, to);
     if (to > from)
         sci(QsciScintillaBase::SCI_DELETERANGE, static_cast<unsigned long>(from), to - from);
-    lineCount_ = -1;
+    forgetReads();
 }
 
 int ScintillaBuffer::scanInto(int32_t line, std::vector<SourceToken>& tokens) {
@@ -318,6 +332,8 @@ void ScintillaBuffer::forEachLine(int32_t first, int32_t last, Fn&& fn) const {
     last = std::min(last, count - 1);
     if (last < first)
         return;
+    // Asking for a range may move the component's text: earlier reads go stale.
+    span_.Line = -1;
     const long rangeStart = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, first);
     const long rangeEnd = last + 1 < count ? sci(QsciScintillaBase::SCI_POSITIONFROMLINE, last + 1)
                                            : sci(QsciScintillaBase::SCI_GETLENGTH);
@@ -465,12 +481,12 @@ template <typename Fn> void ScintillaBuffer::runUnrecorded(Fn&& fn) {
     sci(QsciScintillaBase::SCI_SETMODEVENTMASK, kOperationEventMask);
     sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 0);
     batching_ = true;
-    lineCount_ = -1;
+    forgetReads();
     const auto restore = qScopeGuard([&] {
         // What the operation left aside goes in while edits are still unrecorded.
         flushEdits();
         batching_ = batching;
-        lineCount_ = -1;
+        forgetReads();
         sci(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1);
         sci(QsciScintillaBase::SCI_SETMODEVENTMASK, mask);
     });
@@ -668,6 +684,7 @@ void ScintillaBuffer::deleteInLine(int32_t startColumn, int32_t endColumn, int32
 void ScintillaBuffer::flushEdits() const {
     if (edits_.IsEmpty())
         return;
+    forgetReads();
     // Reads from here on must see Scintilla, not the pending text.
     PendingLineEdits edits;
     std::swap(edits, edits_);
@@ -694,6 +711,7 @@ void ScintillaBuffer::flushEdits() const {
         sci(QsciScintillaBase::SCI_SETSEL,
             static_cast<unsigned long>(PositionOf(anchorColumn, anchorLine)),
             PositionOf(caretColumn, caretLine));
+    forgetReads();
     // The room stays for the next operation.
     edits.Clear();
     std::swap(edits, edits_);

@@ -133,7 +133,15 @@ private:
     bool lastModified_ = false;
     mutable PendingLineEdits edits_;
     bool batching_ = false;
+    // What an operation read of the component, valid until the buffer changes its text.
     mutable int32_t lineCount_ = -1;
+    struct Span {
+        int32_t Line = -1;
+        std::string_view Bytes;
+        long End = 0;
+    };
+    mutable Span span_;
+    void forgetReads() const;
     // Where the last pending line ends in the component.
     long pendingEnd_ = 0;
     mutable std::string runBytes_;

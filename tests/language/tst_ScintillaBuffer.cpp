@@ -6,6 +6,7 @@
 #include "language/SourceView.h"
 
 #include <QKeyEvent>
+#include <QRandomGenerator>
 #include <functional>
 
 namespace {
@@ -459,6 +460,77 @@ private Q_SLOTS:
         b.Redo();
         QCOMPARE(allLines(b), expected);
         keeps();
+    }
+
+    // Random edits, most within a line and walking down, some making or joining lines, read
+    // back after each step: inside one operation the same as outside.
+    void randomEditsInsideAnOperation_data() {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed : {3u, 17u, 2024u})
+            QTest::addRow("seed %u", seed) << seed;
+    }
+    void randomEditsInsideAnOperation() {
+        QFETCH(quint32, seed);
+        QRandomGenerator random(seed);
+        struct Step {
+            int kind, column, line, endColumn, endLine, readLine;
+            QString text;
+        };
+        std::vector<Step> steps;
+        int line = 0;
+        for (int i = 0; i < 300; ++i) {
+            Step step{};
+            step.kind = static_cast<int>(random.bounded(10));
+            line = random.bounded(5) == 0 ? static_cast<int>(random.bounded(30))
+                                          : line + static_cast<int>(random.bounded(3));
+            step.line = line % 30;
+            step.column = static_cast<int>(random.bounded(12));
+            step.endColumn = static_cast<int>(random.bounded(12));
+            step.endLine = step.line + (step.kind == 9 ? 1 : 0);
+            step.text = step.kind == 8 ? QStringLiteral("a\nb") : QStringLiteral("xy\u00e9");
+            step.readLine = static_cast<int>(random.bounded(32));
+            steps.push_back(step);
+        }
+        const auto run = [&](SourceBuffer& b) {
+            QStringList read;
+            int previous = 0;
+            for (const Step& step : steps) {
+                int c = 0, l = 0;
+                if (step.kind < 5 || step.kind == 8)
+                    b.InsertText(step.column, step.line, step.text, 0, c, l);
+                else
+                    b.DeleteText(step.column, step.line, step.endColumn, step.endLine);
+                // The line read last time first: a stale read of it would show.
+                read << b.GetLine(previous);
+                read << QStringLiteral("%1,%2 %3 [%4] %5")
+                            .arg(c)
+                            .arg(l)
+                            .arg(b.NumLines())
+                            .arg(b.GetLine(step.readLine))
+                            .arg(b.GetLineLength(step.line));
+                previous = step.readLine;
+            }
+            return read;
+        };
+        QStringList start;
+        for (int i = 0; i < 30; ++i)
+            start << QStringLiteral("line %1 of the text").arg(i);
+        SourceView plain;
+        plain.Buffer().SetAllText(start.join(QLatin1Char('\n')));
+        const QStringList expected = run(plain.Buffer());
+
+        ScintillaBuffer& b = view->Buffer();
+        b.SetAllText(start.join(QLatin1Char('\n')));
+        QStringList read;
+        auto op = std::make_unique<OpScript>();
+        op->Do = [&](SourceBuffer& buffer) { read = run(buffer); };
+        op->Undo = [](SourceBuffer&) {};
+        b.ExecuteOp(std::move(op));
+        for (int i = 0; i < static_cast<int>(steps.size()); ++i)
+            QVERIFY2(
+                read[i] == expected[i],
+                qPrintable(QStringLiteral("step %1: %2 vs %3").arg(i).arg(read[i], expected[i])));
+        QCOMPARE(allLines(b), allLines(plain.Buffer()));
     }
 
     void setAllTextReplacesAndForgetsRecords() {
