@@ -134,6 +134,7 @@ void clsKeywords::clear() {
     entries_.clear();
     slots_.clear();
     lengths_ = 0;
+    firstLengths_.fill(0);
     caseSensitive_ = false;
     dirty_ = true;
 }
@@ -146,6 +147,10 @@ const clsKeywords::Entry* clsKeywords::find(QStringView word) const {
     // Most names of a program are no keywords; many of them have a length no word has.
     if (slots_.empty() || !(lengths_ & lengthBit(word.size())))
         return nullptr;
+    // Nor do most of them share first letter and length with a word of the table.
+    const char16_t first = word.isEmpty() ? 0 : CaseFold::Upper(word.front().unicode());
+    if (first < firstLengths_.size() && !(firstLengths_[first] & lengthBit(word.size())))
+        return nullptr;
     const size_t mask = slots_.size() - 1;
     const uint32_t hash = foldedHash(word);
     for (size_t i = hash & mask;; i = (i + 1) & mask) {
@@ -157,12 +162,21 @@ const clsKeywords::Entry* clsKeywords::find(QStringView word) const {
     }
 }
 
+void clsKeywords::noteLength(const Entry& entry) {
+    const uint64_t bit = lengthBit(entry.folded.size());
+    lengths_ |= bit;
+    const char16_t first = entry.folded.isEmpty() ? 0 : entry.folded.front().unicode();
+    if (first < firstLengths_.size())
+        firstLengths_[first] |= bit;
+}
+
 void clsKeywords::rehash(size_t capacity) {
     slots_.assign(capacity, nullptr);
     const size_t mask = capacity - 1;
     lengths_ = 0;
+    firstLengths_.fill(0);
     for (const auto& entry : entries_) {
-        lengths_ |= lengthBit(entry->folded.size());
+        noteLength(*entry);
         size_t i = entry->hash & mask;
         while (slots_[i])
             i = (i + 1) & mask;
@@ -181,7 +195,7 @@ void clsKeywords::insert(Entry* entry) {
         return;
     }
     entries_.emplace_back(entry);
-    lengths_ |= lengthBit(entry->folded.size());
+    noteLength(*entry);
     const size_t mask = slots_.size() - 1;
     size_t i = entry->hash & mask;
     while (slots_[i])

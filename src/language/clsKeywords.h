@@ -97,6 +97,8 @@ private:
     void insert(Entry* entry);
     void erase(const Entry* entry);
     void rehash(size_t capacity);
+    // Adds an entry's length to the sets find() rules words out by.
+    void noteLength(const Entry& entry);
     QString keyOf(const QString& word) const;
 
     bool caseSensitive_ = false;
@@ -105,6 +107,8 @@ private:
     std::vector<Entry*> slots_;
     // Lengths of the words in the table (63 for all longer); a removal leaves its bit.
     uint64_t lengths_ = 0;
+    // The same by folded first character, for the ASCII ones.
+    std::array<uint64_t, 128> firstLengths_{};
     mutable bool dirty_ = true;
     mutable CharSet first_;
     mutable CharSet next_;
