@@ -34,6 +34,12 @@ public:
     // stored by EndLineScan. A scanner may answer it in one go; buffers scan through it.
     virtual void ISourceLex4_ScanLine(SourceBuffer& buffer, int32_t line, QStringView text,
                                       std::vector<SourceToken>* tokens);
+
+protected:
+    // The loop of ScanLine around a way to take one token.
+    template <typename ScanToken>
+    void scanLineBy(SourceBuffer& buffer, int32_t line, QStringView text,
+                    std::vector<SourceToken>* tokens, ScanToken&& scanToken);
 };
 
 namespace TokenKind {
@@ -49,3 +55,21 @@ constexpr int32_t Reserved = 10;
 constexpr int32_t ValueMark = 1001;
 constexpr int32_t SubvalueMark = 1002;
 } // namespace TokenKind
+
+template <typename ScanToken>
+void ISourceLex4::scanLineBy(SourceBuffer& buffer, int32_t line, QStringView text,
+                             std::vector<SourceToken>* tokens, ScanToken&& scanToken) {
+    ISourceLex4_BeginLineScan(buffer, line, text, 0);
+    SourceToken token;
+    // A scanner that stops moving must not hang the editor: no line has more tokens than
+    // characters.
+    for (qsizetype guard = 0; guard <= text.size() + 1; ++guard) {
+        scanToken(token);
+        if (token.Kind == TokenKind::End || token.Length <= 0)
+            break;
+        if (tokens)
+            tokens->push_back(token);
+    }
+    bool rescanOthers = false;
+    ISourceLex4_EndLineScan(buffer, rescanOthers);
+}

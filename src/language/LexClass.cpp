@@ -299,15 +299,5 @@ void LexClass::ISourceLex4_ScanToken(SourceToken& token) {
 void LexClass::ISourceLex4_ScanLine(SourceBuffer& buffer, int32_t line, QStringView text,
                                     std::vector<SourceToken>* tokens) {
     // The same calls as token by token, without a virtual call per token.
-    ISourceLex4_BeginLineScan(buffer, line, text, 0);
-    SourceToken token;
-    for (int32_t guard = 0; guard <= lineLength_ + 1; ++guard) {
-        scanToken(token);
-        if (token.Kind == TokenKind::End || token.Length <= 0)
-            break;
-        if (tokens)
-            tokens->push_back(token);
-    }
-    bool rescanOthers = false;
-    ISourceLex4_EndLineScan(buffer, rescanOthers);
+    scanLineBy(buffer, line, text, tokens, [this](SourceToken& t) { scanToken(t); });
 }
