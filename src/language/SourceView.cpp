@@ -25,6 +25,8 @@ SourceView::SourceView(QWidget* parent)
     // The horizontal bar follows the widest line seen instead of a fixed guess.
     SendScintilla(SCI_SETSCROLLWIDTH, 1);
     SendScintilla(SCI_SETSCROLLWIDTHTRACKING, 1);
+    // Lines on screen keep their measured layout: a key lays out its own line only.
+    SendScintilla(SCI_SETLAYOUTCACHE, SC_CACHE_PAGE);
     // Undo and redo of the component's own keys would bypass the operations.
     setContextMenuPolicy(Qt::DefaultContextMenu);
     // The gutter takes its room from the left of the viewport.
