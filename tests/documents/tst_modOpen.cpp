@@ -1,6 +1,4 @@
-#include "BoxAnswers.h"
-#include "DocumentFrame.h"
-#include "HostAccountFixture.h"
+#include "DocumentSession.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
@@ -31,11 +29,10 @@
 // browser, the recent list and files dropped on the frame.
 class tst_modOpen : public QObject {
     Q_OBJECT
-    std::unique_ptr<DocumentFrame> frames;
-    frmMain* frame = nullptr;
-    std::unique_ptr<HostAccountFixture> account;
-    // Every test answers whatever box comes up; none is left waiting for a person.
-    std::unique_ptr<BoxAnswers> answers;
+    DocumentSession session;
+    frmMain*& frame = session.Frame;
+    std::unique_ptr<HostAccountFixture>& account = session.Account;
+    std::unique_ptr<BoxAnswers>& answers = session.Answers;
 
     static ProcessState& state() { return ProcessState::Instance(); }
     static QString bp(const QString& item) { return HostAccountFixture::ItemPath("BP", item); }
@@ -44,27 +41,10 @@ public:
     tst_modOpen() { HostAccountFixture::RunChildIfAsked(); }
 
 private Q_SLOTS:
-    void initTestCase() {
-        frames = std::make_unique<DocumentFrame>();
-        frame = frames->Frame();
-    }
-    void cleanupTestCase() { frames.reset(); }
-
-    void init() {
-        account = std::make_unique<HostAccountFixture>();
-        answers = std::make_unique<BoxAnswers>();
-        DocumentFrame::Reset();
-    }
-    void cleanup() {
-        DocumentFrame::CloseAll();
-        QCOMPARE(frame->DocumentCount, int16_t(0));
-        // Every host round trip resumed what it suspended.
-        QCOMPARE(modAutoRecover::Suspensions(), 0);
-        QVERIFY(!MsgBox::IsOpen());
-        QVERIFY(!answers->AnyUnexpected());
-        answers.reset();
-        account.reset();
-    }
+    void initTestCase() { session.StartCase(); }
+    void cleanupTestCase() { session.EndCase(); }
+    void init() { session.StartTest(); }
+    void cleanup() { session.EndTest(true); }
 
     // FileOpen and OpenResource on one path: the questions asked, each answer, and what
     // the document and its lock look like afterwards.

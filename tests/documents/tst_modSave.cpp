@@ -1,6 +1,4 @@
-#include "BoxAnswers.h"
-#include "DocumentFrame.h"
-#include "HostAccountFixture.h"
+#include "DocumentSession.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
@@ -72,10 +70,10 @@ bool saveLoop(const QByteArray& mode, const QString& path) {
 // and saves killed half way.
 class tst_modSave : public QObject {
     Q_OBJECT
-    std::unique_ptr<DocumentFrame> frames;
-    frmMain* frame = nullptr;
-    std::unique_ptr<HostAccountFixture> account;
-    std::unique_ptr<BoxAnswers> answers;
+    DocumentSession session;
+    frmMain*& frame = session.Frame;
+    std::unique_ptr<HostAccountFixture>& account = session.Account;
+    std::unique_ptr<BoxAnswers>& answers = session.Answers;
 
     static ProcessState& state() { return ProcessState::Instance(); }
     static QString bp(const QString& item) { return HostAccountFixture::ItemPath("BP", item); }
@@ -96,26 +94,10 @@ public:
     tst_modSave() { HostAccountFixture::RunChildIfAsked(saveLoop); }
 
 private Q_SLOTS:
-    void initTestCase() {
-        frames = std::make_unique<DocumentFrame>();
-        frame = frames->Frame();
-    }
-    void cleanupTestCase() { frames.reset(); }
-
-    void init() {
-        account = std::make_unique<HostAccountFixture>();
-        answers = std::make_unique<BoxAnswers>();
-        DocumentFrame::Reset();
-    }
-    void cleanup() {
-        answers = std::make_unique<BoxAnswers>();
-        DocumentFrame::CloseAll();
-        QCOMPARE(frame->DocumentCount, int16_t(0));
-        QCOMPARE(modAutoRecover::Suspensions(), 0);
-        QVERIFY(!MsgBox::IsOpen());
-        answers.reset();
-        account.reset();
-    }
+    void initTestCase() { session.StartCase(); }
+    void cleanupTestCase() { session.EndCase(); }
+    void init() { session.StartTest(); }
+    void cleanup() { session.EndTest(false); }
 
     void fileSaveWritesAndKeepsTheLock() {
         auto d = editedItem("HELLO", "* saved\n");

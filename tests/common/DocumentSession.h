@@ -1,0 +1,26 @@
+#pragma once
+
+#include "BoxAnswers.h"
+#include "DocumentFrame.h"
+#include "HostAccountFixture.h"
+
+#include <memory>
+
+class frmMain;
+
+// What the tests of opening and saving share: the frame for the whole test case, and for
+// each test a fresh demo account and a box answerer, so that no box waits for a person.
+class DocumentSession {
+public:
+    std::unique_ptr<DocumentFrame> Frames;
+    frmMain* Frame = nullptr;
+    std::unique_ptr<HostAccountFixture> Account;
+    std::unique_ptr<BoxAnswers> Answers;
+
+    void StartCase();
+    void EndCase() { Frames.reset(); }
+    void StartTest();
+    // Closes what the test left open and checks that nothing is left over: documents,
+    // suspended auto-recovery, a box on screen, and with `strict` a box nobody expected.
+    void EndTest(bool strict);
+};
