@@ -98,3 +98,12 @@ void EditHarness::Undo() {
 void EditHarness::Redo() {
     Buffer().Redo();
 }
+
+void EditHarness::CheckUndoRedo(const QString& before, const QString& after) {
+    for (int round = 0; round < 2; ++round) {
+        Undo();
+        QCOMPARE(State(), before);
+        Redo();
+        QCOMPARE(State(), after);
+    }
+}

@@ -45,6 +45,8 @@ public:
     void Format(std::unique_ptr<ISourceOp> op);
     void Undo();
     void Redo();
+    // Undo and redo, twice over, give back exactly the states before and after.
+    void CheckUndoRedo(const QString& before, const QString& after);
 
 private:
     std::unique_ptr<SourceView> view_;

@@ -68,12 +68,7 @@ private Q_SLOTS:
         // Undo puts back the very marks and blanks, `!` included, whatever the settings say
         // by then.
         settings.IndentStar = settings.IndentBang = 1;
-        for (int round = 0; round < 2; ++round) {
-            h.Undo();
-            QCOMPARE(h.State(), before);
-            h.Redo();
-            QCOMPARE(h.State(), after);
-        }
+        h.CheckUndoRedo(before, after);
     }
 
     // The selection's columns move with the mark on its first and last line, and keep

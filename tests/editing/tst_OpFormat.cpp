@@ -213,12 +213,7 @@ private Q_SLOTS:
         QVERIFY(after.startsWith(lines({"IF X THEN", "   Y = 1", "END", "Z = 2|"})));
         int32_t column = h.Control()->CursorCol();
         QVERIFY(column <= h.Buffer().GetLineLength(h.Control()->CursorLine()));
-        for (int round = 0; round < 2; ++round) {
-            h.Undo();
-            QCOMPARE(h.State(), before);
-            h.Redo();
-            QCOMPARE(h.State(), after);
-        }
+        h.CheckUndoRedo(before, after);
     }
 
     // Typing and formatting share one undo history in the order they happened.

@@ -113,12 +113,7 @@ private Q_SLOTS:
                                   .arg(selectionAfter[2])
                                   .arg(selectionAfter[3]);
         QCOMPARE(h.State(), after);
-        for (int round = 0; round < 2; ++round) {
-            h.Undo();
-            QCOMPARE(h.State(), before);
-            h.Redo();
-            QCOMPARE(h.State(), after);
-        }
+        h.CheckUndoRedo(before, after);
     }
 
     // A partial left shift is undone by what it took, not by a whole step, also after the
