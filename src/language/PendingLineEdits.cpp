@@ -40,6 +40,12 @@ void PendingLineEdits::ReplaceInLast(size_t offset, size_t count, std::string_vi
 }
 
 void PendingLineEdits::Clear() {
+    // Room for an ordinary operation stays; what a whole large program took goes back.
+    constexpr size_t keep = size_t(8) << 20;
+    if (text_.capacity() > keep) {
+        std::string().swap(text_);
+        std::vector<Line>().swap(lines_);
+    }
     lines_.clear();
     runs_.clear();
     text_.clear();

@@ -39,7 +39,8 @@ public:
     std::string_view Text(const Run& run) const {
         return std::string_view(text_).substr(run.Begin, run.End - run.Begin);
     }
-    // Forgets every line; the text keeps its room for the next operation.
+    // Forgets every line; the text keeps its room for the next operation unless that is
+    // large.
     void Clear();
 
 private:

@@ -712,7 +712,6 @@ void ScintillaBuffer::flushEdits() const {
             static_cast<unsigned long>(PositionOf(anchorColumn, anchorLine)),
             PositionOf(caretColumn, caretLine));
     forgetReads();
-    // The room stays for the next operation.
     edits.Clear();
     std::swap(edits, edits_);
 }
@@ -721,12 +720,12 @@ void ScintillaBuffer::replaceRun(const PendingLineEdits::Run& run, std::string_v
     const int32_t first = run.First;
     const int32_t last = run.Last;
     // Whole lines go and come back: their data words and markers are taken first.
-    states_.clear();
+    std::vector<int32_t> states;
     std::vector<std::pair<int32_t, long>> markers;
     constexpr long allMarkers = -1;
     if (first != last) {
         for (int32_t line = first; line <= last; ++line)
-            states_.push_back(static_cast<int32_t>(sci(QsciScintillaBase::SCI_GETLINESTATE, line)));
+            states.push_back(static_cast<int32_t>(sci(QsciScintillaBase::SCI_GETLINESTATE, line)));
         for (long line = sci(QsciScintillaBase::SCI_MARKERNEXT, first, allMarkers);
              line >= 0 && line <= last;
              line = sci(QsciScintillaBase::SCI_MARKERNEXT, line + 1, allMarkers))
@@ -740,8 +739,8 @@ void ScintillaBuffer::replaceRun(const PendingLineEdits::Run& run, std::string_v
                           static_cast<unsigned long>(text.size()), text.data());
     if (first == last)
         return;
-    for (size_t i = 0; i < states_.size(); ++i)
-        sci(QsciScintillaBase::SCI_SETLINESTATE, first + static_cast<unsigned long>(i), states_[i]);
+    for (size_t i = 0; i < states.size(); ++i)
+        sci(QsciScintillaBase::SCI_SETLINESTATE, first + static_cast<unsigned long>(i), states[i]);
     // Scintilla gathered the markers of the removed lines on one of the new ones.
     for (long line = sci(QsciScintillaBase::SCI_MARKERNEXT, first, allMarkers);
          line >= 0 && line <= last;

@@ -145,7 +145,6 @@ private:
     // Where the last pending line ends in the component.
     long pendingEnd_ = 0;
     mutable std::string runBytes_;
-    mutable std::vector<int32_t> states_;
     mutable std::string lineBytes_;
     mutable QString lineText_;
     std::vector<SourceToken> tokens_;
