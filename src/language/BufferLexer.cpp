@@ -77,7 +77,9 @@ bool BufferLexer::styleTyped(int first, int last) {
     const long shift = t.linesAfter - t.linesBefore;
     const int unstyled = static_cast<int>(std::max<long>(t.last + 1, t.styledLinesBefore + shift));
     if (unstyled <= last) {
-        buffer_.StyleLines(unstyled, last);
+        int32_t top = 0, bottom = 0;
+        viewLines(top, bottom);
+        buffer_.StyleLinesFor(unstyled, last, top, bottom);
         return true;
     }
     // Everything up to the first unstyled line is styled again, as it was before the key.
@@ -87,6 +89,17 @@ bool BufferLexer::styleTyped(int first, int last) {
     if (end > ed->SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED))
         ed->SendScintilla(QsciScintillaBase::SCI_STARTSTYLING, static_cast<unsigned long>(end), 0L);
     return true;
+}
+
+void BufferLexer::viewLines(int32_t& first, int32_t& last) const {
+    // The lines in view, and a screen more either way for scrolling.
+    QsciScintilla* ed = editor();
+    const auto top = static_cast<int32_t>(
+        ed->SendScintilla(QsciScintillaBase::SCI_DOCLINEFROMVISIBLE,
+                          ed->SendScintilla(QsciScintillaBase::SCI_GETFIRSTVISIBLELINE)));
+    const auto rows = static_cast<int32_t>(ed->SendScintilla(QsciScintillaBase::SCI_LINESONSCREEN));
+    first = top - rows;
+    last = top + 2 * rows + 1;
 }
 
 void BufferLexer::styleText(int start, int end) {
@@ -100,5 +113,7 @@ void BufferLexer::styleText(int start, int end) {
     if (typing_.armed && styleTyped(first, last))
         return;
     typing_ = {};
-    buffer_.StyleLines(first, last);
+    int32_t top = 0, bottom = 0;
+    viewLines(top, bottom);
+    buffer_.StyleLinesFor(first, last, top, bottom);
 }

@@ -29,6 +29,7 @@ private:
     // Styles only the typed lines when nothing else changed since the key; false if it
     // can't tell.
     bool styleTyped(int first, int last);
+    void viewLines(int32_t& first, int32_t& last) const;
 
     ScintillaBuffer& buffer_;
     // What a key press found, and the lines its characters went to.

@@ -453,6 +453,54 @@ void ScintillaBuffer::StyleLines(int32_t first, int32_t last) {
                           static_cast<unsigned long>(styleBytes_.size()), styleBytes_.data());
 }
 
+void ScintillaBuffer::StyleLinesFor(int32_t first, int32_t last, int32_t viewFirst,
+                                    int32_t viewLast) {
+    flushEdits();
+    const int32_t count = NumLines();
+    first = std::max(first, 0);
+    last = std::min(last, count - 1);
+    if (last - first < LazyStyleLines) {
+        StyleLines(first, last);
+        return;
+    }
+    // No line's colours depend on another's: the lines out of view can wait. They are
+    // marked so that they are styled when shown.
+    const int32_t stop = std::clamp(std::max(last, viewLast), first, count - 1);
+    const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, first);
+    const long end = stop + 1 < count ? sci(QsciScintillaBase::SCI_POSITIONFROMLINE, stop + 1)
+                                      : sci(QsciScintillaBase::SCI_GETLENGTH);
+    sci(QsciScintillaBase::SCI_STARTSTYLING, static_cast<unsigned long>(start), 0xff);
+    sci(QsciScintillaBase::SCI_SETSTYLING, static_cast<unsigned long>(end - start), PendingStyle);
+    StylePendingLines(std::max(first, viewFirst), std::min(stop, viewLast));
+}
+
+void ScintillaBuffer::StylePendingLines(int32_t first, int32_t last) {
+    first = std::max(first, 0);
+    last = std::min(last, NumLines() - 1);
+    const long styled = sci(QsciScintillaBase::SCI_GETENDSTYLED);
+    bool restyled = false;
+    for (int32_t line = first; line <= last;) {
+        const auto pending = [&](int32_t l) {
+            return sci(QsciScintillaBase::SCI_GETSTYLEAT,
+                       static_cast<unsigned long>(
+                           sci(QsciScintillaBase::SCI_POSITIONFROMLINE, l))) == PendingStyle;
+        };
+        if (!pending(line)) {
+            ++line;
+            continue;
+        }
+        int32_t to = line;
+        while (to < last && pending(to + 1))
+            ++to;
+        StyleLines(line, to);
+        restyled = true;
+        line = to + 1;
+    }
+    // Styling moved the mark back to the end of these lines.
+    if (restyled && styled > sci(QsciScintillaBase::SCI_GETENDSTYLED))
+        sci(QsciScintillaBase::SCI_STARTSTYLING, static_cast<unsigned long>(styled), 0xff);
+}
+
 void ScintillaBuffer::InvalidateStyles(int32_t fromLine) {
     flushEdits();
     const long position = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, clampLine(fromLine));

@@ -72,10 +72,22 @@ public:
     void StyleLines(int32_t first, int32_t last);
     // Makes the editor colour again, lazily, from the given line on.
     void InvalidateStyles(int32_t fromLine);
+    // Styles lines `first` to `last` as far as the view needs them: all of them when they
+    // are few; otherwise only those from `viewFirst` to `viewLast`, and the rest are
+    // marked with PendingStyle, to be styled when they come into view. Scintilla takes
+    // every line up to the later of `last` and `viewLast` as styled.
+    void StyleLinesFor(int32_t first, int32_t last, int32_t viewFirst, int32_t viewLast);
+    // Styles the lines of a range that still carry PendingStyle; the mark of what
+    // Scintilla takes as styled stays where it was.
+    void StylePendingLines(int32_t first, int32_t last);
 
     // The Scintilla style that shows a token kind.
     static int StyleOfKind(int32_t kind);
     static constexpr int BookmarkMarker = 1;
+    // Marks text whose colours wait until it is shown; it is never painted.
+    static constexpr int PendingStyle = 31;
+    // Requests for more lines than this style the lines in view only.
+    static constexpr int32_t LazyStyleLines = 4000;
 
 Q_SIGNALS:
     void ModifiedChanged(bool modified);

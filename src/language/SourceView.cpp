@@ -33,6 +33,14 @@ SourceView::SourceView(QWidget* parent)
     gutter_ = new LineNumberGutter(*this, [this](int room) { setViewportMargins(room, 0, 0, 0); });
 }
 
+void SourceView::paintEvent(QPaintEvent* event) {
+    const auto top = static_cast<int32_t>(
+        SendScintilla(SCI_DOCLINEFROMVISIBLE, SendScintilla(SCI_GETFIRSTVISIBLELINE)));
+    const auto rows = static_cast<int32_t>(SendScintilla(SCI_LINESONSCREEN));
+    buffer_->StylePendingLines(top, top + rows + 1);
+    QsciScintilla::paintEvent(event);
+}
+
 SourceView::~SourceView() {
     // The lexer refers to the buffer: detach it first.
     setLexer(nullptr);

@@ -65,6 +65,8 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    // Lines whose colours were left for later get them before they are shown.
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void setUpMarks();

@@ -486,6 +486,51 @@ private Q_SLOTS:
         }
     }
 
+    // Whether the colours of a line are those of its tokens.
+    bool styledAsTokens(int32_t line) {
+        ScintillaBuffer& b = view->Buffer();
+        for (const SourceToken& t : b.ScanLine(line)) {
+            for (int32_t c = t.Start; c < t.Start + t.Length; ++c) {
+                const auto style =
+                    view->SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT,
+                                        static_cast<unsigned long>(b.PositionOf(c, line)));
+                if (style != ScintillaBuffer::StyleOfKind(t.Kind))
+                    return false;
+            }
+        }
+        return true;
+    }
+    long styleAtStart(int32_t line) {
+        return view->SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT,
+                                   static_cast<unsigned long>(view->Buffer().PositionOf(0, line)));
+    }
+
+    // Far from the coloured part of a long program, the editor colours the lines in view
+    // and leaves the lines between for when they are shown.
+    void farLinesAreStyledWhenShown() {
+        QStringList lines;
+        for (int i = 0; i < 3 * ScintillaBuffer::LazyStyleLines; ++i)
+            lines << QStringLiteral("%1 PRINT 'A' ; * note %1").arg(i);
+        ScintillaBuffer& b = view->Buffer();
+        b.SetAllText(lines.join(QLatin1Char('\n')));
+        (void)view->grab();
+        QVERIFY(styledAsTokens(0));
+
+        const int32_t far = 2 * ScintillaBuffer::LazyStyleLines + 500;
+        const int32_t between = ScintillaBuffer::LazyStyleLines;
+        view->SetCursor(0, far);
+        (void)view->grab();
+        QVERIFY(styledAsTokens(far));
+        QCOMPARE(styleAtStart(between), long(ScintillaBuffer::PendingStyle));
+        const long styledTo = view->SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED);
+        QVERIFY(styledTo > b.PositionOf(0, far));
+
+        view->SetCursor(0, between);
+        (void)view->grab();
+        QVERIFY(styledAsTokens(between));
+        QCOMPARE(view->SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED), styledTo);
+    }
+
     // A key typed in a long program scans the line it changed, and no other.
     void typingScansOnlyTheChangedLine() {
         auto counting = std::make_shared<CountingLex>();
