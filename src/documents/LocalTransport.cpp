@@ -3,10 +3,13 @@
 #include "documents/ConnectionErrors.h"
 
 #include <QFile>
+#include <QMutex>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSet>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -66,11 +69,41 @@ bool writeAll(int fd, const char* data, size_t size) {
     return true;
 }
 
+constexpr char kTemporaryPrefix[] = ".brix-save-";
+
+// A save that was killed half way leaves its temporary file. Once a file is far older
+// than any save takes, nobody is writing it: it goes, the first time this process saves
+// in its folder.
+void sweepStaleTemporaries(const QString& folder) {
+    constexpr time_t staleSeconds = 3600;
+    static QMutex mutex;
+    static QSet<QString> swept;
+    {
+        const QMutexLocker lock(&mutex);
+        if (swept.contains(folder))
+            return;
+        swept.insert(folder);
+    }
+    DIR* dir = ::opendir(native(folder).constData());
+    if (!dir)
+        return;
+    const time_t now = ::time(nullptr);
+    while (const dirent* e = ::readdir(dir)) {
+        if (std::strncmp(e->d_name, kTemporaryPrefix, sizeof kTemporaryPrefix - 1) != 0)
+            continue;
+        struct stat st {};
+        if (::fstatat(::dirfd(dir), e->d_name, &st, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISREG(st.st_mode) && now - st.st_mtime > staleSeconds)
+            ::unlinkat(::dirfd(dir), e->d_name, 0);
+    }
+    ::closedir(dir);
+}
+
 // A new file beside `path` with a name no one else uses; -1 and errno on failure.
 int createTemporary(const QString& path, mode_t mode, QByteArray& tempName) {
     const QString folder = folderOf(path);
     for (int attempt = 0; attempt < 100; ++attempt) {
-        tempName = native(folder + QStringLiteral("/.brix-save-") +
+        tempName = native(folder + QLatin1Char('/') + QLatin1String(kTemporaryPrefix) +
                           QString::number(QRandomGenerator::global()->generate64(), 36));
         const int fd = ::open(tempName.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (fd >= 0 || errno != EEXIST)
@@ -169,6 +202,7 @@ void LocalTransport::WriteFile(const QString& path, const QByteArray& bytes) {
     const bool replacing = ::stat(native(path).constData(), &st) == 0;
     if (replacing && S_ISDIR(st.st_mode))
         raise(ConnectionErrors::WriteFailed, QStringLiteral("Can't write"), path, EISDIR);
+    sweepStaleTemporaries(folderOf(path));
     QByteArray temp;
     const int fd = createTemporary(path, replacing ? (st.st_mode & 07777) : 0666, temp);
     if (fd < 0) {

@@ -19,6 +19,7 @@
 #include "support/MsgBoxEx.h"
 
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
@@ -624,12 +625,31 @@ private Q_SLOTS:
                 ->Children();
         for (const auto& child : listing)
             QVERIFY2(!child.Name.startsWith('.'), qPrintable(child.Name));
+        // Those of saves killed long ago go with this process's first save in the folder;
+        // one that may still be written stays.
+        const QString folder = account->Accounts() + QStringLiteral("/DEMO/BP");
+        const auto temporaries = [&] {
+            return QDir(folder).entryList({QStringLiteral(".brix-save-*")},
+                                          QDir::Files | QDir::Hidden);
+        };
+        QStringList aged = temporaries();
+        aged << QStringLiteral(".brix-save-old");
+        for (const QString& name : aged) {
+            QFile stray(folder + QLatin1Char('/') + name);
+            QVERIFY(stray.open(QIODevice::ReadWrite));
+            QVERIFY(stray.setFileTime(QDateTime::currentDateTime().addSecs(-2 * 3600),
+                                      QFileDevice::FileModificationTime));
+        }
+        QFile fresh(folder + QStringLiteral("/.brix-save-fresh"));
+        QVERIFY(fresh.open(QIODevice::WriteOnly));
+        fresh.close();
         auto d = mvDocument::Create();
         QVERIFY(d->FileOpen(bp("HELLO"), false));
         QVERIFY(d->Text().size() > 100000);
         d->SetText(QStringLiteral("END\n"));
         QVERIFY(d->FileSave());
         QCOMPARE(account->ReadItem("BP", "HELLO"), QByteArray("END\n"));
+        QCOMPARE(temporaries(), QStringList{QStringLiteral(".brix-save-fresh")});
     }
 };
 
