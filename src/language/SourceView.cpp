@@ -66,8 +66,20 @@ void SourceView::setUpMarks() {
     SendScintilla(SCI_SETREPRESENTATION, "\x1d", "]");
     SendScintilla(SCI_SETREPRESENTATION, "\x1c", "\\");
     SendScintilla(SCI_SETREPRESENTATION, "\x1e", "^");
-    markerDefine(QsciScintilla::Bookmark, ScintillaBuffer::BookmarkMarker);
-    setMarkerBackgroundColor(QColor(0x33, 0x66, 0xcc), ScintillaBuffer::BookmarkMarker);
+    // No margin shows markers: a bookmark tints its line.
+    markerDefine(QsciScintilla::Background, ScintillaBuffer::BookmarkMarker);
+    TintBookmarks(palette().color(QPalette::Base));
+}
+
+void SourceView::TintBookmarks(const QColor& paper) {
+    // Light enough on any paper that the text stays readable and the line can't pass for
+    // a selection.
+    const QColor accent = palette().color(QPalette::Highlight);
+    const auto mix = [](int p, int a) { return (3 * p + a) / 4; };
+    setMarkerBackgroundColor(QColor(mix(paper.red(), accent.red()),
+                                    mix(paper.green(), accent.green()),
+                                    mix(paper.blue(), accent.blue())),
+                             ScintillaBuffer::BookmarkMarker);
 }
 
 int32_t SourceView::CursorCol() const {

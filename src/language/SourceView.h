@@ -59,6 +59,9 @@ public:
     // The line-number strip left of the viewport.
     LineNumberGutter& Gutter() const { return *gutter_; }
 
+    // Colours bookmarked lines for text on `paper`.
+    void TintBookmarks(const QColor& paper);
+
 Q_SIGNALS:
     void ContextMenuRequested(const QPoint& globalPos);
 

@@ -84,5 +84,6 @@ void TokenStyleTable::ApplyTo(SourceView& view, const QFont& font, int32_t backC
                        modColors::ToQColor(Get(TokenKind::Plain).Color));
     // A caret in the text's colour stays visible on any paper.
     view.setCaretForegroundColor(modColors::ToQColor(Get(TokenKind::Plain).Color));
+    view.TintBookmarks(paper);
     view.Buffer().InvalidateStyles(0);
 }
