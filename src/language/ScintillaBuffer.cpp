@@ -746,9 +746,10 @@ void ScintillaBuffer::flushEdits() const {
     // Each restored line state asks for a repaint; one at the end will do.
     QWidget* viewport = editor_.viewport();
     const bool updates = viewport->updatesEnabled();
-    if (updates && edits.Runs().size() > 1)
+    const auto& runs = edits.Runs();
+    if (updates && runs.back().Last - runs.front().First > 64)
         viewport->setUpdatesEnabled(false);
-    for (const PendingLineEdits::Run& run : edits.Runs()) {
+    for (const PendingLineEdits::Run& run : runs) {
         replaceRun(run, edits.Text(run));
         const auto inRun = [&](int32_t line) { return line >= run.First && line <= run.Last; };
         selectionReplaced = selectionReplaced || inRun(caretLine) || inRun(anchorLine);
