@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr uint32_t kHashSeed = 2166136261u;
+constexpr uint32_t kHashBasis = 2166136261u;
 constexpr uint32_t kHashPrime = 16777619u;
 
 // Bit of a word length in the set of lengths the table holds.
@@ -17,7 +17,7 @@ uint64_t lengthBit(qsizetype length) {
 }
 
 uint32_t foldedHash(QStringView word) {
-    uint32_t hash = kHashSeed;
+    uint32_t hash = kHashBasis;
     for (QChar c : word) {
         hash ^= CaseFold::Upper(c.unicode());
         hash *= kHashPrime;

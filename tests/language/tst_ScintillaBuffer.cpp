@@ -465,13 +465,13 @@ private Q_SLOTS:
     // Random edits, most within a line and walking down, some making or joining lines, read
     // back after each step: inside one operation the same as outside.
     void randomEditsInsideAnOperation_data() {
-        QTest::addColumn<quint32>("seed");
-        for (quint32 seed : {3u, 17u, 2024u})
-            QTest::addRow("seed %u", seed) << seed;
+        QTest::addColumn<quint32>("run");
+        for (quint32 run : {3u, 17u, 2024u})
+            QTest::addRow("run %u", run) << run;
     }
     void randomEditsInsideAnOperation() {
-        QFETCH(quint32, seed);
-        QRandomGenerator random(seed);
+        QFETCH(quint32, run);
+        QRandomGenerator random(run);
         struct Step {
             int kind, column, line, endColumn, endLine, readLine;
             QString text;
@@ -491,7 +491,7 @@ private Q_SLOTS:
             step.readLine = static_cast<int>(random.bounded(32));
             steps.push_back(step);
         }
-        const auto run = [&](SourceBuffer& b) {
+        const auto replay = [&](SourceBuffer& b) {
             QStringList read;
             int previous = 0;
             for (const Step& step : steps) {
@@ -517,13 +517,13 @@ private Q_SLOTS:
             start << QStringLiteral("line %1 of the text").arg(i);
         SourceView plain;
         plain.Buffer().SetAllText(start.join(QLatin1Char('\n')));
-        const QStringList expected = run(plain.Buffer());
+        const QStringList expected = replay(plain.Buffer());
 
         ScintillaBuffer& b = view->Buffer();
         b.SetAllText(start.join(QLatin1Char('\n')));
         QStringList read;
         auto op = std::make_unique<OpScript>();
-        op->Do = [&](SourceBuffer& buffer) { read = run(buffer); };
+        op->Do = [&](SourceBuffer& buffer) { read = replay(buffer); };
         op->Undo = [](SourceBuffer&) {};
         b.ExecuteOp(std::move(op));
         for (int i = 0; i < static_cast<int>(steps.size()); ++i)
