@@ -22,8 +22,6 @@
 #include "support/UnicodeClipboard.h"
 
 #include <QClipboard>
-#include <QDialog>
-#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -89,24 +87,6 @@ private Q_SLOTS:
         }
         settle();
         QCOMPARE(frame->DocumentCount, int16_t(0));
-    }
-
-    void tableAsShipped() {
-        QCOMPARE(tool("toolbar", "Find")->Caption(), QStringLiteral("&Fine"));
-        QCOMPARE(tool("Edit", "Find")->Caption(), QStringLiteral("&Find"));
-        QCOMPARE(tool("File", "SaveAll")->Shortcut(), QStringLiteral("shift+ctrl+s"));
-        QCOMPARE(tool("File", "SaveAll")->Action()->shortcut(),
-                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
-        QCOMPARE(tool("Help", "HelpTopics")->Shortcut(), QStringLiteral("F1"));
-        QCOMPARE(frame->Bar().Band(QStringLiteral("toolbar"))->Tools().size(), size_t(23));
-        QCOMPARE(tool("toolbar", "Highlight")->ToolType(), CommandTool::Type::Check);
-        QVERIFY(frame->Bar().Band(QStringLiteral("MAINMENU")));
-        // Commands this program doesn't offer yet stand disabled.
-        for (const char* key : {"Print", "Properties"})
-            QVERIFY(!tool("File", key)->Enabled());
-        QVERIFY(!tool("View", "Results")->Enabled());
-        QVERIFY(tool("File", "New")->Enabled());
-        QVERIFY(tool("File", "Open")->Enabled());
     }
 
     void noDocument() {
@@ -456,18 +436,6 @@ private Q_SLOTS:
         frame->Dispatcher().Dispatch(QStringLiteral("UserTool7"), false);
         frame->Dispatcher().UserTool = nullptr;
         QCOMPARE(seen, QStringLiteral("UserTool7"));
-    }
-
-    void aboutBox() {
-        QTimer::singleShot(0, [] {
-            auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            QVERIFY(box);
-            QVERIFY(box->findChild<QLabel*>(QStringLiteral("lblVersion"))
-                        ->text()
-                        .contains(QStringLiteral(BRIX_VERSION)));
-            box->accept();
-        });
-        tool("Help", "HelpAbout")->Action()->trigger();
     }
 
     void saveAllAsksAboutReadOnly_data() {
