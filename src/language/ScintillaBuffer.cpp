@@ -765,21 +765,28 @@ void ScintillaBuffer::flushEdits() const {
     std::swap(edits, edits_);
 }
 
+std::vector<std::pair<int32_t, long>> ScintillaBuffer::markedLines(int32_t first,
+                                                                   int32_t last) const {
+    constexpr long allMarkers = -1;
+    std::vector<std::pair<int32_t, long>> marked;
+    for (long line = sci(QsciScintillaBase::SCI_MARKERNEXT, first, allMarkers);
+         line >= 0 && line <= last;
+         line = sci(QsciScintillaBase::SCI_MARKERNEXT, line + 1, allMarkers))
+        marked.emplace_back(static_cast<int32_t>(line),
+                            sci(QsciScintillaBase::SCI_MARKERGET, line));
+    return marked;
+}
+
 void ScintillaBuffer::replaceRun(const PendingLineEdits::Run& run, std::string_view text) const {
     const int32_t first = run.First;
     const int32_t last = run.Last;
     // Whole lines go and come back: their data words and markers are taken first.
     std::vector<int32_t> states;
     std::vector<std::pair<int32_t, long>> markers;
-    constexpr long allMarkers = -1;
     if (first != last) {
         for (int32_t line = first; line <= last; ++line)
             states.push_back(static_cast<int32_t>(sci(QsciScintillaBase::SCI_GETLINESTATE, line)));
-        for (long line = sci(QsciScintillaBase::SCI_MARKERNEXT, first, allMarkers);
-             line >= 0 && line <= last;
-             line = sci(QsciScintillaBase::SCI_MARKERNEXT, line + 1, allMarkers))
-            markers.emplace_back(static_cast<int32_t>(line),
-                                 sci(QsciScintillaBase::SCI_MARKERGET, line));
+        markers = markedLines(first, last);
     }
     const long start = sci(QsciScintillaBase::SCI_POSITIONFROMLINE, first);
     const long end = sci(QsciScintillaBase::SCI_GETLINEENDPOSITION, last);
@@ -791,9 +798,7 @@ void ScintillaBuffer::replaceRun(const PendingLineEdits::Run& run, std::string_v
     for (size_t i = 0; i < states.size(); ++i)
         sci(QsciScintillaBase::SCI_SETLINESTATE, first + static_cast<unsigned long>(i), states[i]);
     // Scintilla gathered the markers of the removed lines on one of the new ones.
-    for (long line = sci(QsciScintillaBase::SCI_MARKERNEXT, first, allMarkers);
-         line >= 0 && line <= last;
-         line = sci(QsciScintillaBase::SCI_MARKERNEXT, line + 1, allMarkers))
+    for (const auto& [line, set] : markedLines(first, last))
         sci(QsciScintillaBase::SCI_MARKERDELETE, static_cast<unsigned long>(line), -1);
     for (const auto& [line, set] : markers)
         sci(QsciScintillaBase::SCI_MARKERADDSET, static_cast<unsigned long>(line), set);

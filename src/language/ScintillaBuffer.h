@@ -128,6 +128,8 @@ private:
     void flushEdits() const;
     // Gives one run of pending lines to Scintilla in one edit.
     void replaceRun(const PendingLineEdits::Run& run, std::string_view text) const;
+    // Lines of a range that carry markers, with their marker sets.
+    std::vector<std::pair<int32_t, long>> markedLines(int32_t first, int32_t last) const;
     int scanInto(int32_t line, std::vector<SourceToken>& tokens);
 
     QsciScintillaBase& editor_;
