@@ -2,9 +2,14 @@
 
 #include "documents/DocumentCollection.h"
 #include "settings/Moriox.h"
+#include "shell/frmMain.h"
 
 ProcessState::ProcessState() = default;
 ProcessState::~ProcessState() = default;
+
+IFrame* ProcessState::Frame() const {
+    return MainWindow.data();
+}
 
 ProcessState& ProcessState::Instance() {
     static ProcessState state;

@@ -11,6 +11,7 @@
 class Application;
 class DocumentCollection;
 class Moriox;
+class IFrame;
 class frmMain;
 
 // The current place new paths are built from; every successful open or save moves it.
@@ -48,6 +49,8 @@ public:
     std::array<QString, 3> PrintableMarks;
 
     QPointer<frmMain> MainWindow;
+    // The main window as the subsystems below the shell see it; null without a frame.
+    IFrame* Frame() const;
     QPointer<QWidget> ResultsWindow, GotoWindow, FindWindow, PropertiesWindow, KeywordsWindow;
 
     bool ShutdownStarted = false;

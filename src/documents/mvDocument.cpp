@@ -18,10 +18,10 @@
 #include "language/SourceViewControl.h"
 #include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
-#include "shell/frmMain.h"
 #include "support/BrixError.h"
 #include "support/BusyCursor.h"
 #include "support/ForceForeground.h"
+#include "support/IFrame.h"
 #include "support/MsgBoxEx.h"
 #include "support/ShowError.h"
 
@@ -92,13 +92,13 @@ void tell(const QString& text) {
 }
 
 void setStatus(const QString& text) {
-    if (frmMain* frame = ProcessState::Instance().MainWindow)
-        frame->SetPaneText(1, text);
+    if (IFrame* frame = ProcessState::Instance().Frame())
+        frame->SetStatusText(text);
 }
 
 void updateCommands() {
-    if (frmMain* frame = ProcessState::Instance().MainWindow)
-        frame->UpdateToolBar();
+    if (IFrame* frame = ProcessState::Instance().Frame())
+        frame->RefreshCommands();
 }
 
 // The one handler at the end of an operation, called from inside its catch: the pointer
@@ -291,21 +291,19 @@ bool mvDocument::MakeNew(std::shared_ptr<mvResource> resource) {
 }
 
 void mvDocument::countIn() {
-    frmMain* frame = ProcessState::Instance().MainWindow;
+    IFrame* frame = ProcessState::Instance().Frame();
     if (counted_ || !frame)
         return;
-    frame->DocumentCount += 1;
+    frame->DocumentAdded();
     counted_ = true;
 }
 
 void mvDocument::countOut() {
-    frmMain* frame = ProcessState::Instance().MainWindow;
+    IFrame* frame = ProcessState::Instance().Frame();
     if (!counted_ || !frame)
         return;
     counted_ = false;
-    frame->DocumentCount -= 1;
-    if (frame->DocumentCount < 1)
-        frame->ShowDocumentPanes(false);
+    frame->DocumentRemoved();
 }
 
 bool mvDocument::FileOpen(const QString& path, bool readOnly) {
@@ -603,9 +601,8 @@ void mvDocument::dropView() {
 
 void mvDocument::Activate() {
     try {
-        ProcessState& state = ProcessState::Instance();
-        if (state.MainWindow)
-            ForceForeground(state.MainWindow);
+        if (IFrame* frame = ProcessState::Instance().Frame())
+            ForceForeground(frame->OwnerWindow());
         EnsureView();
         if (clsDocView* view = View())
             view->Activate();
@@ -615,11 +612,11 @@ void mvDocument::Activate() {
 
 void mvDocument::EnsureView() {
     if (!View()) {
-        ProcessState& state = ProcessState::Instance();
+        IFrame* frame = ProcessState::Instance().Frame();
         // The frame's document area owns the window; without a frame (a tool or a test) the
         // document does, through Unload.
-        frmDocument* form = Settings().MinMaxClose ? new frmDocumentx(state.MainWindow)
-                                                   : new frmDocument(state.MainWindow);
+        frmDocument* form =
+            Settings().MinMaxClose ? new frmDocumentx(frame) : new frmDocument(frame);
         view_ = form;
         viewWidget_ = form;
         view_->SetViewObject(shared_from_this());

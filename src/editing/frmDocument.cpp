@@ -10,7 +10,7 @@
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
-#include "shell/frmMain.h"
+#include "support/IFrame.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -19,11 +19,12 @@
 #include <QTimer>
 #include <algorithm>
 
-frmDocument::frmDocument(frmMain* frame)
+frmDocument::frmDocument(IFrame* frame)
     : frmDocument(frame, Qt::SubWindow | Qt::CustomizeWindowHint | Qt::WindowTitleHint) {}
 
-frmDocument::frmDocument(frmMain* frame, Qt::WindowFlags flags)
-    : QMdiSubWindow(nullptr, flags), frame_(frame) {
+frmDocument::frmDocument(IFrame* frame, Qt::WindowFlags flags)
+    : QMdiSubWindow(nullptr, flags), frame_(frame),
+      frameWidget_(frame ? frame->OwnerWindow() : nullptr) {
     txtText_ = new SourceView(this);
     setWidget(txtText_);
     setAttribute(Qt::WA_DeleteOnClose, false);
@@ -31,7 +32,7 @@ frmDocument::frmDocument(frmMain* frame, Qt::WindowFlags flags)
     focusTimer_->setSingleShot(true);
     connect(focusTimer_, &QTimer::timeout, this, &frmDocument::focusIfActive);
     if (frame_)
-        frame_->MdiArea()->addSubWindow(this, flags);
+        frame_->DocumentArea()->addSubWindow(this, flags);
 }
 
 frmDocument::~frmDocument() = default;
@@ -40,8 +41,8 @@ void frmDocument::Load() {
     // A new window follows the active child: maximised in an empty frame, normal beside a
     // minimised child, else the same state.
     int16_t state = Maximized;
-    if (frame_) {
-        if (auto* active = qobject_cast<frmDocument*>(frame_->MdiArea()->activeSubWindow());
+    if (frame()) {
+        if (auto* active = qobject_cast<frmDocument*>(frame()->DocumentArea()->activeSubWindow());
             active && active != this) {
             const int16_t activeState = active->WindowState();
             state = activeState == Minimized ? int16_t(Normal) : activeState;
@@ -61,8 +62,8 @@ void frmDocument::Load() {
     ApplySettings();
 
     showInsertMode();
-    if (frame_)
-        frame_->ShowDocumentPanes(true);
+    if (frame())
+        frame()->ShowDocumentPanes(true);
 
     connect(txtText_, &QsciScintilla::cursorPositionChanged, this, [this] {
         showCaret();
@@ -74,13 +75,16 @@ void frmDocument::Load() {
         const QPoint at = txtText_->viewport()->mapFromGlobal(globalPos);
         Q_EMIT ContextMenuRequested(WordKindAt(at.x(), at.y()), globalPos);
     });
-    if (frame_)
-        connect(this, &frmDocument::ContextMenuRequested, frame_, &frmMain::ShowContextMenu);
+    connect(this, &frmDocument::ContextMenuRequested, this,
+            [this](int16_t kind, const QPoint& globalPos) {
+                if (IFrame* frame = this->frame())
+                    frame->ShowContextMenu(kind, globalPos);
+            });
     txtText_->installEventFilter(this);
     txtText_->viewport()->installEventFilter(this);
     connect(&txtText_->Buffer(), &ScintillaBuffer::ModifiedChanged, this, [this] {
-        if (frame_)
-            frame_->UpdateToolBar();
+        if (frame())
+            frame()->RefreshCommands();
     });
 }
 
@@ -103,16 +107,16 @@ void frmDocument::ApplySettings() {
 }
 
 void frmDocument::Activate() {
-    if (frame_ && frame_->MdiArea()->activeSubWindow() != this)
-        frame_->MdiArea()->setActiveSubWindow(this);
+    if (frame() && frame()->DocumentArea()->activeSubWindow() != this)
+        frame()->DocumentArea()->setActiveSubWindow(this);
     txtText_->setFocus();
 }
 
 void frmDocument::OnActivated() {
-    if (!frame_)
+    if (!frame())
         return;
     ProcessState::Instance().ContextWord.clear();
-    frame_->UpdateToolBar();
+    frame()->RefreshCommands();
     showCaret();
     showInsertMode();
     if (WindowState() == Maximized) {
@@ -124,7 +128,7 @@ void frmDocument::OnActivated() {
 }
 
 void frmDocument::focusIfActive() {
-    if (frame_ && frame_->MdiArea()->activeSubWindow() == this)
+    if (frame() && frame()->DocumentArea()->activeSubWindow() == this)
         txtText_->setFocus();
 }
 
@@ -133,8 +137,8 @@ void frmDocument::checkSelection() {
     if (selection == selectionShown_)
         return;
     selectionShown_ = selection;
-    if (frame_)
-        frame_->UpdateToolBar();
+    if (frame())
+        frame()->RefreshCommands();
 }
 
 bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
@@ -239,8 +243,8 @@ void frmDocument::mouseRelease(QMouseEvent* event) {
             }
         }
         lastMouse_ = event->position().toPoint();
-        if (frame_)
-            frame_->UpdateToolBar();
+        if (frame())
+            frame()->RefreshCommands();
     }
 }
 
@@ -288,19 +292,19 @@ void frmDocument::Unload() {
     unloading_ = true;
     viewObject_.reset();
     hide();
-    if (frame_)
-        frame_->MdiArea()->removeSubWindow(this);
+    if (frame())
+        frame()->DocumentArea()->removeSubWindow(this);
     // The window may be unloading from inside one of its own events.
     deleteLater();
-    if (frame_)
-        frame_->UpdateToolBar();
+    if (frame())
+        frame()->RefreshCommands();
 }
 
 void frmDocument::SetTitle(const QString& title) {
     titleText_ = title;
     setWindowTitle(title);
-    if (frame_ && WindowState() == Maximized)
-        frame_->SetTitle(frame_->Title());
+    if (frame() && WindowState() == Maximized)
+        frame()->RefreshCaption();
 }
 
 void frmDocument::SetViewObject(const std::shared_ptr<mvDocument>& document) {
@@ -349,24 +353,24 @@ void frmDocument::changeEvent(QEvent* event) {
     if (state != lastWindowState_) {
         lastWindowState_ = state;
         // The frame's caption shows the title of a maximised child only.
-        if (frame_)
-            frame_->SetTitle(frame_->Title());
+        if (frame())
+            frame()->RefreshCaption();
     }
 }
 
 void frmDocument::showCaret() {
-    if (!frame_ || frame_->MdiArea()->activeSubWindow() != this)
+    if (!frame() || frame()->DocumentArea()->activeSubWindow() != this)
         return;
     int32_t column = 0;
     int32_t line = 0;
     txtText_->ScreenPosition(txtText_->CursorCol(), txtText_->CursorLine(), column, line);
-    frame_->SetPaneText(2, QStringLiteral("Ln %1, Col %2").arg(line + 1).arg(column + 1));
+    frame()->SetPaneText(2, QStringLiteral("Ln %1, Col %2").arg(line + 1).arg(column + 1));
 }
 
 void frmDocument::showInsertMode() {
-    if (frame_)
-        frame_->SetPaneText(3, txtText_->OvertypeMode() ? QStringLiteral("Ovr")
-                                                        : QStringLiteral("Ins"));
+    if (frame())
+        frame()->SetPaneText(3, txtText_->OvertypeMode() ? QStringLiteral("Ovr")
+                                                         : QStringLiteral("Ins"));
 }
 
 void frmDocument::SetVisible(bool visible) {

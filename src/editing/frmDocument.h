@@ -12,7 +12,7 @@ class QTimer;
 
 class DrawClass;
 class LexClass;
-class frmMain;
+class IFrame;
 
 // The child window of one document. This form has no buttons of its own in its title bar;
 // its twin frmDocumentx has minimise, maximise and close.
@@ -21,7 +21,7 @@ class frmDocument : public QMdiSubWindow, public clsDocView {
 
 public:
     // Puts itself in the frame's document area when there is a frame.
-    explicit frmDocument(frmMain* frame);
+    explicit frmDocument(IFrame* frame);
     ~frmDocument() override;
 
     // The window's set-up, run once right after it is made.
@@ -70,7 +70,7 @@ Q_SIGNALS:
     void ContextMenuRequested(int16_t kind, const QPoint& globalPos);
 
 protected:
-    frmDocument(frmMain* frame, Qt::WindowFlags flags);
+    frmDocument(IFrame* frame, Qt::WindowFlags flags);
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
 
@@ -85,7 +85,10 @@ private:
     void marginPressed(int32_t line, Qt::KeyboardModifiers modifiers);
     void focusIfActive();
 
-    QPointer<frmMain> frame_;
+    // The frame, while its window lives.
+    IFrame* frame() const { return frameWidget_ ? frame_ : nullptr; }
+    IFrame* frame_ = nullptr;
+    QPointer<QWidget> frameWidget_;
     SourceView* txtText_ = nullptr;
     std::weak_ptr<mvDocument> viewObject_;
     std::shared_ptr<LexClass> lex_;

@@ -1,5 +1,5 @@
 #include "editing/frmDocumentx.h"
 
-frmDocumentx::frmDocumentx(frmMain* frame)
+frmDocumentx::frmDocumentx(IFrame* frame)
     : frmDocument(frame, Qt::SubWindow | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                              Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint) {}

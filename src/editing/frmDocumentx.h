@@ -7,5 +7,5 @@ class frmDocumentx : public frmDocument {
     Q_OBJECT
 
 public:
-    explicit frmDocumentx(frmMain* frame);
+    explicit frmDocumentx(IFrame* frame);
 };

@@ -361,6 +361,23 @@ void frmMain::RebuildWindowMenu() {
     maximize->SetChecked(count > 0 && active && active->isMaximized());
 }
 
+void frmMain::SetBusy(bool busy) {
+    if (busy)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else if (QApplication::overrideCursor())
+        QApplication::restoreOverrideCursor();
+}
+
+void frmMain::DocumentAdded() {
+    DocumentCount += 1;
+}
+
+void frmMain::DocumentRemoved() {
+    DocumentCount -= 1;
+    if (DocumentCount < 1)
+        ShowDocumentPanes(false);
+}
+
 void frmMain::ShowDocumentPanes(bool visible) {
     CommandBand* status = bar_->Band(QStringLiteral("StatusBar"));
     status->Panel(QStringLiteral("Panel2"))->setVisible(visible);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/FramePlacement.h"
+#include "support/IFrame.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -17,7 +18,7 @@ class mvDocument;
 
 // The single top-level frame: a document area whose children are the document windows,
 // and the place where closing the program is decided.
-class frmMain : public QMainWindow {
+class frmMain : public QMainWindow, public IFrame {
     Q_OBJECT
 
 public:
@@ -36,7 +37,16 @@ public:
 
     QMdiArea* MdiArea() const { return mdiArea_; }
     frmDocument* ActiveDocumentWindow() const;
-    std::shared_ptr<mvDocument> ActiveDocument() const;
+
+    // IFrame
+    QWidget* OwnerWindow() override { return this; }
+    QMdiArea* DocumentArea() override { return mdiArea_; }
+    std::shared_ptr<mvDocument> ActiveDocument() const override;
+    void SetBusy(bool busy) override;
+    void RefreshCommands() override { UpdateToolBar(); }
+    void RefreshCaption() override { SetTitle(title_); }
+    void DocumentAdded() override;
+    void DocumentRemoved() override;
 
     CommandBar& Bar() const { return *bar_; }
     CommandDispatcher& Dispatcher() const { return *dispatcher_; }
@@ -47,9 +57,9 @@ public:
     // The recent files on the File menu, and the open documents on the Window menu.
     void RebuildFileMenu();
     void RebuildWindowMenu();
-    void ShowDocumentPanes(bool visible);
+    void ShowDocumentPanes(bool visible) override;
     // Status panes 1 to 3: message, caret position, insert mode.
-    void SetPaneText(int pane, const QString& text);
+    void SetPaneText(int pane, const QString& text) override;
     QString PaneText(int pane) const;
 
     void NewDocument();
@@ -76,7 +86,7 @@ public:
     // Closes the documents, then the frame.
     void ExitApplication();
     // The editor's context menu at `globalPos`, set up for the word under it (a WordKind).
-    void ShowContextMenu(int16_t kind, const QPoint& globalPos);
+    void ShowContextMenu(int16_t kind, const QPoint& globalPos) override;
     // Activates the next (or previous) document window; with a window that didn't change
     // on the first step, steps once more.
     void NextDocument(bool previous);

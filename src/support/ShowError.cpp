@@ -1,7 +1,7 @@
 #include "support/ShowError.h"
 
 #include "app/ProcessState.h"
-#include "shell/frmMain.h"
+#include "support/IFrame.h"
 #include "support/MsgBoxEx.h"
 
 #include <QMessageBox>
@@ -27,7 +27,8 @@ int32_t flagsOf(int icon) {
 
 int32_t BrixMessage(const QString& text, int32_t flags, QWidget* owner) {
     if (!owner)
-        owner = ProcessState::Instance().MainWindow.data();
+        if (IFrame* frame = ProcessState::Instance().Frame())
+            owner = frame->OwnerWindow();
     return MsgBoxEx(text, flags, QStringLiteral("Brix"), QString(), owner);
 }
 
