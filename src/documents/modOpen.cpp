@@ -1,10 +1,15 @@
 #include "documents/modOpen.h"
 
 #include "app/ProcessState.h"
+#include "documents/BusyPointer.h"
+#include "documents/DocumentSteps.h"
+#include "documents/clsDocView.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
 #include "documents/mvPath.h"
 #include "documents/mvResource.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
 #include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "support/BrixError.h"
@@ -148,4 +153,114 @@ QString modOpen::ResolveRecentPath(const QString& path) {
     }
     return connection.MakePath(parts->Provider, parts->ServerName, parts->Database, parts->Folder,
                                parts->ItemID);
+}
+
+using namespace DocumentSteps;
+
+// The document's own members of opening: the lock question, read only, missing items.
+
+bool mvDocument::FileOpen(const QString& path, bool readOnly) {
+    // A switch to read only works on copies: the caller's wish stays as it was.
+    bool openReadOnly = readOnly;
+    bool locking = Settings().RecordLocking;
+    mvConnection& connection = mvConnection::Instance();
+    std::shared_ptr<mvResource> resource;
+    while (!resource) {
+        try {
+            resource = connection.GetResource(path, openReadOnly, locking, 0);
+        } catch (const BrixError& error) {
+            if (error.Number == BrixErrors::CannotWrite && (!openReadOnly || locking)) {
+                // It can't be written at all, so it opens read only without a word.
+                openReadOnly = true;
+                locking = false;
+                continue;
+            }
+            if (error.Number == BrixErrors::LockedByOther && locking) {
+                QString name;
+                try {
+                    name = connection.GetResource(path, false, false, 0)->ShortName();
+                } catch (...) {
+                    Tell(error.Description);
+                    return false;
+                }
+                if (Ask(name + QStringLiteral(" is locked by another user or process. Open in "
+                                              "\"read only\" mode instead?"),
+                        MsgBox::YesNo) == MsgBox::Yes) {
+                    // No lock is tried again, so this can't be asked twice.
+                    openReadOnly = true;
+                    locking = false;
+                    continue;
+                }
+            }
+            Tell(error.Description);
+            return false;
+        } catch (...) {
+            Tell(CurrentDescription());
+            return false;
+        }
+    }
+    return OpenResource(std::move(resource), openReadOnly);
+}
+
+bool mvDocument::OpenResource(std::shared_ptr<mvResource> resource, bool readOnly) {
+    if (!resource)
+        return false;
+    BusyPointer busy;
+    try {
+        EnsureView();
+        if (!resource->IsItem()) {
+            busy.Restore();
+            Tell(QStringLiteral("Unable to open item ") + resource->DisplayID() +
+                 QStringLiteral(" because it appears to be a folder or file definition."));
+            return false;
+        }
+        if (!resource->Exists()) {
+            busy.Restore();
+            if (Ask(QStringLiteral("Item ") + resource->DisplayID() +
+                        QStringLiteral(" does not exist. Create new item?"),
+                    MsgBox::YesNo) == MsgBox::Yes)
+                return MakeNew(std::move(resource));
+            // Nothing to save yet, so the document goes at once.
+            FileClose(false);
+            return false;
+        }
+        if (readOnly) {
+            resource->SetReadOnly(true);
+        } else if (resource->ReadOnly()) {
+            // Protected on the host, as opposed to a lock that was refused.
+            busy.Restore();
+            if (Ask(QStringLiteral("Item ") + resource->DisplayID() +
+                        QStringLiteral(" is \"read only\". Open in read-only mode?"),
+                    MsgBox::YesNo) != MsgBox::Yes)
+                return false;
+            resource->SetReadOnly(true);
+            busy.Show();
+        }
+        resource_.reset();
+        resource_ = std::move(resource);
+
+        ScintillaBuffer* buffer = Buffer();
+        SetStatus(QStringLiteral("Reading document from host"));
+        {
+            const modAutoRecover::Suspension suspended;
+            const QString text = resource_->ReadText();
+            buffer->SetAllText(HostToEditorText(text));
+        }
+        SetStatus(QString());
+
+        Editor()->SetCursor(0, 0);
+        buffer->ClearAllBookmarks();
+        buffer->ClearUndoStack();
+        buffer->SetModified(false);
+        View()->SetTitle(TitleText());
+        labels_.reset();
+        View()->Show();
+        countIn();
+        TakeHostContext(*resource_);
+        UpdateCommands();
+        return true;
+    } catch (...) {
+        // What is already in the control stays; the caller decides about the document.
+        return Failed(busy);
+    }
 }
