@@ -31,8 +31,10 @@ frmDocument::frmDocument(IFrame* frame, Qt::WindowFlags flags)
     focusTimer_ = new QTimer(this);
     focusTimer_->setSingleShot(true);
     connect(focusTimer_, &QTimer::timeout, this, &frmDocument::focusIfActive);
-    if (frame_)
+    if (frame_) {
+        txtText_->SetCommandKeys(frame_->CommandKeys());
         frame_->DocumentArea()->addSubWindow(this, flags);
+    }
 }
 
 frmDocument::~frmDocument() = default;

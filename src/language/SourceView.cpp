@@ -1,5 +1,8 @@
 #include "language/SourceView.h"
 
+#include <Qsci/qscicommand.h>
+#include <Qsci/qscicommandset.h>
+
 #include "language/BufferLexer.h"
 #include "language/LineNumberGutter.h"
 #include "language/ScintillaBuffer.h"
@@ -188,14 +191,48 @@ void SourceView::PreviousBookmark() {
         SetCursor(0, static_cast<int32_t>(line));
 }
 
+void SourceView::SetCommandKeys(const QList<QKeySequence>& keys) {
+    commandKeys_.clear();
+    QsciCommandSet* commands = standardCommands();
+    for (const QKeySequence& sequence : keys) {
+        if (sequence.isEmpty())
+            continue;
+        const QKeyCombination key = sequence[0];
+        commandKeys_.append(key);
+        // Unmodified keys (Delete) keep their editing action for when the command is off.
+        if (key.keyboardModifiers() == Qt::NoModifier)
+            continue;
+        const int combined = key.toCombined();
+        for (QsciCommand* command : commands->commands()) {
+            if (command->key() == combined)
+                command->setKey(0);
+            if (command->alternateKey() == combined)
+                command->setAlternateKey(0);
+        }
+    }
+}
+
+bool SourceView::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && !commandKeys_.isEmpty()) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        const QKeyCombination pressed(key->modifiers() & ~Qt::KeypadModifier,
+                                      static_cast<Qt::Key>(key->key()));
+        if (commandKeys_.contains(pressed)) {
+            // Left to the shortcut map; without an enabled command it comes back as a press.
+            event->ignore();
+            return false;
+        }
+    }
+    return QsciScintilla::event(event);
+}
+
 void SourceView::keyPressEvent(QKeyEvent* event) {
     // The component's own undo would skip the operations on the stack.
     if (event->matches(QKeySequence::Undo)) {
         buffer_->Undo();
         return event->accept();
     }
-    if (event->matches(QKeySequence::Redo) ||
-        (event->key() == Qt::Key_Y && event->modifiers() == Qt::ControlModifier)) {
+    if (event->matches(QKeySequence::Redo)) {
         buffer_->Redo();
         return event->accept();
     }

@@ -62,10 +62,16 @@ public:
     // Colours bookmarked lines for text on `paper`.
     void TintBookmarks(const QColor& paper);
 
+    // Keys that the frame's commands own: they pass through to the commands' shortcuts.
+    // The component forgets its own bindings of those with a modifier, so a disabled
+    // command does not fall back on another editing action (Ctrl+Y is not redo here).
+    void SetCommandKeys(const QList<QKeySequence>& keys);
+
 Q_SIGNALS:
     void ContextMenuRequested(const QPoint& globalPos);
 
 protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     // Lines whose colours were left for later get them before they are shown.
@@ -76,6 +82,7 @@ private:
     void setUpStyles();
 
     std::unique_ptr<ScintillaBuffer> buffer_;
+    QList<QKeyCombination> commandKeys_;
     BufferLexer* lexer_ = nullptr;
     LineNumberGutter* gutter_ = nullptr;
 };

@@ -25,6 +25,7 @@ public:
     ~CommandBar() override;
 
     CommandBand* Band(const QString& key) const;
+    const std::vector<CommandBand*>& Bands() const { return bands_; }
     // Null when the band or the tool is missing.
     CommandTool* Tool(const QString& bandKey, const QString& toolKey) const;
 

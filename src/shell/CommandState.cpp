@@ -108,14 +108,6 @@ constexpr StateRule Rules[] = {
     {"toolbar", "ToggleCase", always, nullptr},
 };
 
-// Tools that no rule touches but that have no command yet.
-constexpr const char* Untouched[][2] = {
-    {"View", "Results"},     {"Options", "OptGeneral"}, {"Options", "OptHighlight"},
-    {"Options", "OptTools"}, {"Help", "HelpTopics"},    {"Popup", "Find"},
-    {"Popup", "FindNext"},   {"Popup", "Replace"},      {"Popup", "ctxGoto"},
-    {"Popup", "ctxOpen"},
-};
-
 } // namespace
 
 CommandState::Inputs CommandState::Read(const std::shared_ptr<mvDocument>& document,
@@ -144,15 +136,21 @@ void CommandState::Apply(CommandBar& bar, const Inputs& in) {
         CommandTool* tool = bar.Tool(QLatin1String(rule.Band), QLatin1String(rule.Key));
         if (!tool)
             continue;
-        tool->SetEnabled(in.HasDocument && rule.Enabled(in) &&
-                         CommandDispatcher::Handles(tool->Key()));
+        // A command not offered yet stays as the bars were built: off.
+        if (!CommandDispatcher::Handles(tool->Key()))
+            continue;
+        tool->SetEnabled(in.HasDocument && rule.Enabled(in));
         // Without a document the checks keep their last state.
         if (in.HasDocument && rule.Checked)
             tool->SetChecked(rule.Checked(in));
     }
-    for (const auto& [band, key] : Untouched)
-        if (CommandTool* tool = bar.Tool(QLatin1String(band), QLatin1String(key)))
-            tool->SetEnabled(CommandDispatcher::Handles(tool->Key()));
     if (CommandTool* topics = bar.Tool(QStringLiteral("Help"), QStringLiteral("HelpTopics")))
         topics->SetShortcut(QStringLiteral("F1"));
+}
+
+void CommandState::SwitchOffUnoffered(CommandBar& bar) {
+    for (const CommandBand* band : bar.Bands())
+        for (const auto& tool : band->Tools())
+            if (!CommandDispatcher::Handles(tool->Key()))
+                tool->SetEnabled(false);
 }

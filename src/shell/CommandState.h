@@ -26,6 +26,9 @@ public:
     };
 
     static Inputs Read(const std::shared_ptr<mvDocument>& document, int16_t documentCount);
-    // Tools whose command the program doesn't offer stay disabled whatever the rule says.
+    // Sets every tool that follows the document; the others are never touched here.
     static void Apply(CommandBar& bar, const Inputs& inputs);
+    // Tools whose command the program doesn't offer are switched off once, when the bars
+    // are built, and no rule turns them on.
+    static void SwitchOffUnoffered(CommandBar& bar);
 };

@@ -61,6 +61,7 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
 void frmMain::buildBars() {
     bar_ = new CommandBar(*this);
     CommandTable::Build(*bar_);
+    CommandState::SwitchOffUnoffered(*bar_);
     dispatcher_ = std::make_unique<CommandDispatcher>(*this);
     connect(bar_, &CommandBar::ToolClicked, this,
             [this](CommandTool* tool) { dispatcher_->Dispatch(*tool); });
@@ -547,4 +548,14 @@ void frmMain::unload() {
     saveWindowState();
     Shutdown();
     ProcessState::Instance().MainWindow.clear();
+}
+
+QList<QKeySequence> frmMain::CommandKeys() const {
+    QList<QKeySequence> keys;
+    for (const QAction* action : findChildren<QAction*>()) {
+        const QKeySequence key = action->shortcut();
+        if (!key.isEmpty() && !keys.contains(key))
+            keys.append(key);
+    }
+    return keys;
 }

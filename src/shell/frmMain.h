@@ -46,6 +46,7 @@ public:
     void RefreshCommands() override { UpdateToolBar(); }
     void RefreshCaption() override { SetTitle(title_); }
     void DocumentAdded() override;
+    QList<QKeySequence> CommandKeys() const override;
     void DocumentRemoved() override;
 
     CommandBar& Bar() const { return *bar_; }

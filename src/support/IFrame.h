@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QKeySequence>
+#include <QList>
 #include <QPoint>
 #include <QString>
 #include <cstdint>
@@ -36,6 +38,8 @@ public:
     virtual void DocumentAdded() = 0;
     virtual void DocumentRemoved() = 0;
     virtual void ShowDocumentPanes(bool visible) = 0;
+    // The shortcuts of the frame's commands, which an editor must let through.
+    virtual QList<QKeySequence> CommandKeys() const = 0;
     // The editor's context menu at `globalPos` for the word kind under it (a WordKind).
     virtual void ShowContextMenu(int16_t kind, const QPoint& globalPos) = 0;
 };

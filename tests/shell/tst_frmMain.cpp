@@ -26,6 +26,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMimeData>
+#include <QScopeGuard>
 #include <QTabBar>
 #include <QToolBar>
 
@@ -426,6 +427,41 @@ private Q_SLOTS:
         if (minMaxClose)
             QVERIFY(tool("tabctx", "tab_max")->Checked());
         Settings().MinMaxClose = false;
+    }
+
+    // Every shortcut of the bars, pressed in the editor, reaches the frame's commands and
+    // not the component's own key map (Ctrl+Y is Delete Line, Ctrl+L the properties).
+    void everyShortcutReachesItsCommandFromTheEditor() {
+        auto document = dirtyNew();
+        SourceView* editor = document->Editor();
+        frame->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(frame));
+        document->Activate();
+        editor->setFocus();
+        QTRY_VERIFY(editor->hasFocus());
+        const QString before = document->Text();
+        QObject::disconnect(&frame->Bar(), &CommandBar::ToolClicked, frame, nullptr);
+        const auto reconnect = qScopeGuard([this] {
+            QObject::disconnect(&frame->Bar(), &CommandBar::ToolClicked, this, nullptr);
+            connect(&frame->Bar(), &CommandBar::ToolClicked, frame.data(),
+                    [f = frame.data()](CommandTool* t) { f->Dispatcher().Dispatch(*t); });
+        });
+        QStringList seen;
+        connect(&frame->Bar(), &CommandBar::ToolClicked, this,
+                [&seen](CommandTool* t) { seen << t->Key(); });
+        int pressed = 0;
+        for (QAction* action : frame->findChildren<QAction*>()) {
+            if (action->shortcut().isEmpty())
+                continue;
+            action->setEnabled(true);
+            seen.clear();
+            const QKeyCombination key = action->shortcut()[0];
+            QTest::keyClick(editor, key.key(), key.keyboardModifiers());
+            QVERIFY2(seen.size() == 1, qPrintable(action->shortcut().toString()));
+            ++pressed;
+        }
+        QVERIFY(pressed >= 20);
+        QCOMPARE(document->Text(), before);
     }
 
     void unknownKeysDoNothing() {
