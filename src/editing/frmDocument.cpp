@@ -44,7 +44,8 @@ void frmDocument::Load() {
     // minimised child, else the same state.
     int16_t state = Maximized;
     if (frame()) {
-        if (auto* active = qobject_cast<frmDocument*>(frame()->DocumentArea()->activeSubWindow());
+        // The current child, even while a menu or dialog has the focus (the recent list).
+        if (auto* active = qobject_cast<frmDocument*>(frame()->DocumentArea()->currentSubWindow());
             active && active != this) {
             const int16_t activeState = active->WindowState();
             state = activeState == Minimized ? int16_t(Normal) : activeState;
@@ -293,13 +294,32 @@ void frmDocument::Unload() {
         return;
     unloading_ = true;
     viewObject_.reset();
+    const bool wasMaximized = isMaximized();
     hide();
-    if (frame())
-        frame()->DocumentArea()->removeSubWindow(this);
+    if (frame()) {
+        QMdiArea* area = frame()->DocumentArea();
+        area->removeSubWindow(this);
+        // The children behind a maximised one were never shown at a size of their own:
+        // the next one takes over the maximised state.
+        if (wasMaximized)
+            maximizeNext(*area);
+    }
     // The window may be unloading from inside one of its own events.
     deleteLater();
     if (frame())
         frame()->RefreshCommands();
+}
+
+void frmDocument::maximizeNext(QMdiArea& area) {
+    const QList<QMdiSubWindow*> order = area.subWindowList(QMdiArea::ActivationHistoryOrder);
+    for (auto it = order.rbegin(); it != order.rend(); ++it) {
+        auto* next = qobject_cast<frmDocument*>(*it);
+        if (!next || next == this || next->unloading_ || next->isMinimized() || !next->isVisible())
+            continue;
+        area.setActiveSubWindow(next);
+        next->SetWindowState(Maximized);
+        return;
+    }
 }
 
 void frmDocument::SetTitle(const QString& title) {

@@ -1,5 +1,7 @@
 #pragma once
 
+class QMdiArea;
+
 #include "documents/clsDocView.h"
 #include "language/TokenStyleTable.h"
 
@@ -75,6 +77,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void maximizeNext(QMdiArea& area);
     void showCaret();
     void showInsertMode();
     // Tells the frame when the selection comes or goes.

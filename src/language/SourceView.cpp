@@ -24,6 +24,8 @@ SourceView::SourceView(QWidget* parent)
     setMarginWidth(1, 0);
     setMarginWidth(2, 0);
     setIndentationsUseTabs(false);
+    // Enter starts the new line under the one above; Format sets the real levels.
+    setAutoIndent(true);
     SendScintilla(SCI_SETEOLMODE, SC_EOL_LF);
     // The horizontal bar follows the widest line seen instead of a fixed guess.
     SendScintilla(SCI_SETSCROLLWIDTH, 1);

@@ -559,7 +559,8 @@ private Q_SLOTS:
         view->repaint();
         QCoreApplication::processEvents();
         QCOMPARE(counting->lines, 2);
-        QCOMPARE(view->Buffer().GetLine(6), QStringLiteral("IF X5 THEN GOSUB 100 ; * note"));
+        // The new line keeps the indentation of the one above.
+        QCOMPARE(view->Buffer().GetLine(6), QStringLiteral("   IF X5 THEN GOSUB 100 ; * note"));
         QCOMPARE(view->Buffer().GetLineData(6, 1), 0);
     }
 

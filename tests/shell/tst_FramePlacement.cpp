@@ -178,6 +178,23 @@ private Q_SLOTS:
         QCOMPARE(stored(sandbox, QStringLiteral("MainState")), QStringLiteral("0"));
     }
 
+    // Twips count logical pixels: at a device pixel ratio of 2 (the ratio2 run) ten starts
+    // and ends leave the stored place where it was.
+    void startsKeepTheStoredPlace() {
+        SettingsSandbox sandbox(2);
+        // Small enough for the offscreen screen, 400 x 300 logical pixels at that ratio.
+        const TwipsRect place = twips(10, 12, 300, 200);
+        storeRect(place);
+        const qreal ratio = qEnvironmentVariableIntValue("QT_SCALE_FACTOR") == 2 ? 2.0 : 1.0;
+        for (int start = 0; start < 10; ++start) {
+            QPointer<frmMain> frame = openFrame();
+            QCOMPARE(frame->devicePixelRatioF(), ratio);
+            QCOMPARE(frameRect(*frame), place);
+            closeFrame(frame);
+            QCOMPARE(storedRect(sandbox), place);
+        }
+    }
+
     void minimisedAtExitKeepsTheEarlierState() {
         SettingsSandbox sandbox(2);
         store(QStringLiteral("MainState"), QStringLiteral("2"));

@@ -464,6 +464,64 @@ private Q_SLOTS:
         QCOMPARE(document->Text(), before);
     }
 
+    // A maximised document that goes hands the maximised state to the one that follows,
+    // however it goes.
+    void nextDocumentStaysMaximised_data() {
+        QTest::addColumn<int>("how");
+        QTest::newRow("closed") << 0;
+        QTest::newRow("changes discarded") << 1;
+        QTest::newRow("no to create") << 2;
+    }
+    void nextDocumentStaysMaximised() {
+        QFETCH(int, how);
+        auto first = localFile(QStringLiteral("a.bas"), false);
+        auto second = localFile(QStringLiteral("b.bas"), false);
+        QVERIFY(first && second);
+        settle();
+        QVERIFY(second->View()->WindowState() == frmDocument::Maximized);
+        if (how == 2) {
+            BoxAnswers answers;
+            answers.Push(MsgBox::No);
+            auto missing = mvDocument::Create();
+            QVERIFY(!missing->FileOpen(mvConnection::Instance().MakeFilePath(
+                                           {}, {}, dir.filePath(QStringLiteral("none.bas"))),
+                                       false));
+        } else {
+            BoxAnswers answers;
+            answers.Push(MsgBox::No);
+            if (how == 1)
+                second->SetSelText(QStringLiteral("X"));
+            auto* window = qobject_cast<QMdiSubWindow*>(second->View()->Widget());
+            QVERIFY(window);
+            window->close();
+        }
+        settle();
+        QMdiSubWindow* active = frame->DocumentArea()->activeSubWindow();
+        QVERIFY(active);
+        QVERIFY(active->isMaximized());
+        QCOMPARE(active, qobject_cast<QMdiSubWindow*>(first->View()->Widget()));
+    }
+
+    void enterKeepsTheIndentation_data() {
+        QTest::addColumn<QString>("above");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("blanks") << QStringLiteral("   X = 1") << QStringLiteral("   Y");
+        QTest::newRow("column 0") << QStringLiteral("X = 1") << QStringLiteral("Y");
+        QTest::newRow("deeper") << QStringLiteral("      IF A THEN") << QStringLiteral("      Y");
+    }
+    void enterKeepsTheIndentation() {
+        QFETCH(QString, above);
+        QFETCH(QString, expected);
+        auto document = mvDocument::Create();
+        document->FileNew();
+        SourceView* editor = document->Editor();
+        document->SetSelText(above);
+        editor->SetCursor(static_cast<int32_t>(above.size()), 0);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTest::keyClicks(editor, QStringLiteral("Y"));
+        QCOMPARE(editor->Buffer().GetLine(1), expected);
+    }
+
     void unknownKeysDoNothing() {
         frame->Dispatcher().Dispatch(QStringLiteral("NoSuchTool"), false);
         QString seen;
