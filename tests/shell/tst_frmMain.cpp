@@ -522,14 +522,44 @@ private Q_SLOTS:
         QCOMPARE(editor->Buffer().GetLine(1), expected);
     }
 
-    void unknownKeysDoNothing() {
-        frame->Dispatcher().Dispatch(QStringLiteral("NoSuchTool"), false);
+    // Keys outside the table: window-list entries activate their document, out-of-range
+    // ones do nothing, and only the rest reach a user tool, with the active document.
+    void dynamicKeys_data() {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("userTool");
+        QTest::addColumn<int>("activeAfter");
+        QTest::newRow("user tool") << "UserTool7"
+                                   << "UserTool7" << 1;
+        QTest::newRow("window list") << "miWList1"
+                                     << "" << 0;
+        QTest::newRow("window list past the end") << "miWList9"
+                                                  << "" << 1;
+        QTest::newRow("recent entry past the end") << "file_9"
+                                                   << "" << 1;
+    }
+    void dynamicKeys() {
+        QFETCH(QString, key);
+        QFETCH(QString, userTool);
+        QFETCH(int, activeAfter);
+        std::shared_ptr<mvDocument> documents[] = {localFile(QStringLiteral("a.bas"), false),
+                                                   localFile(QStringLiteral("b.bas"), false)};
+        settle();
+        QCOMPARE(frame->ActiveDocument(), documents[1]);
         QString seen;
-        frame->Dispatcher().UserTool = [&seen](const QString& key,
-                                               const std::shared_ptr<mvDocument>&) { seen = key; };
-        frame->Dispatcher().Dispatch(QStringLiteral("UserTool7"), false);
-        frame->Dispatcher().UserTool = nullptr;
-        QCOMPARE(seen, QStringLiteral("UserTool7"));
+        std::shared_ptr<mvDocument> seenDocument;
+        frame->Dispatcher().UserTool = [&](const QString& k, const std::shared_ptr<mvDocument>& d) {
+            seen = k;
+            seenDocument = d;
+        };
+        const auto reset = qScopeGuard([this] { frame->Dispatcher().UserTool = nullptr; });
+        BoxAnswers boxes;
+        frame->Dispatcher().Dispatch(key, false);
+        settle();
+        QCOMPARE(seen, userTool);
+        if (!userTool.isEmpty())
+            QCOMPARE(seenDocument, documents[1]);
+        QCOMPARE(frame->ActiveDocument(), documents[activeAfter]);
+        QVERIFY(boxes.Seen.isEmpty());
     }
 
     void saveAllAsksAboutReadOnly_data() {
