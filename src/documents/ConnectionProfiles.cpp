@@ -38,7 +38,52 @@ QString ConnectionProfiles::DefaultFile() {
            QStringLiteral("/Tolvek/Brix/connections.conf");
 }
 
+namespace {
+
+// Copies the files of `from` into `to`, folders and all; false on the first failure.
+bool copyTree(const QString& from, const QString& to) {
+    if (!QDir().mkpath(to))
+        return false;
+    const QDir source(from);
+    for (const QFileInfo& entry :
+         source.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
+        const QString target = to + QLatin1Char('/') + entry.fileName();
+        if (entry.isDir() ? !copyTree(entry.filePath(), target)
+                          : !QFile::copy(entry.filePath(), target))
+            return false;
+        if (!entry.isDir())
+            QFile::setPermissions(target, QFile::permissions(target) | QFileDevice::WriteOwner);
+    }
+    return true;
+}
+
+} // namespace
+
 QString ConnectionProfiles::DemoAccountFolder() {
+    // The user edits a copy made on first use: the shipped account (and the source tree it
+    // may stand in) is never written, nor are its locks made there.
+    if (ShippedDemoFolder().isEmpty())
+        return {};
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QStringLiteral("/Tolvek/Brix/demo");
+}
+
+bool ConnectionProfiles::EnsureDemoAccount() {
+    const QString copy = DemoAccountFolder();
+    if (copy.isEmpty())
+        return false;
+    if (QFileInfo(copy).isDir())
+        return true;
+    const QString part = copy + QStringLiteral(".part");
+    QDir(part).removeRecursively();
+    if (!copyTree(ShippedDemoFolder(), part) || !QDir().rename(part, copy)) {
+        QDir(part).removeRecursively();
+        return false;
+    }
+    return true;
+}
+
+QString ConnectionProfiles::ShippedDemoFolder() {
     QStringList candidates;
     if (QCoreApplication::instance()) {
         const QString exe = QCoreApplication::applicationDirPath();

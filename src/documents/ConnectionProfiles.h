@@ -15,7 +15,12 @@ public:
     static QString DefaultFile();
     // The demo account's folder: beside the executable, in its share folder, or in the
     // source tree it was built from; empty if none is found.
+    // The user's own copy of the demo account; empty when the program ships none.
     static QString DemoAccountFolder();
+    // Makes that copy from the shipped account the first time it is used.
+    static bool EnsureDemoAccount();
+    // The demo account as the program ships it; never written.
+    static QString ShippedDemoFolder();
     static HostProfile Demo();
 
     // Reads the file; a missing file leaves the demo profile alone, and the default.

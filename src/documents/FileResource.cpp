@@ -1,5 +1,8 @@
 #include "documents/FileResource.h"
 
+#include "app/ProcessState.h"
+#include "settings/Moriox.h"
+
 #include "documents/ConnectionErrors.h"
 #include "documents/LocalTransport.h"
 #include "documents/mvHost.h"
@@ -13,6 +16,8 @@ FileResource::FileResource(QString folder, QString name)
     if (name_.contains(QLatin1Char('/')) || name_ == QLatin1String(".."))
         throw BrixError(ConnectionErrors::BadPath,
                         QStringLiteral("\"%1\" is not a file name.").arg(name_));
+    const Moriox* settings = ProcessState::Instance().Settings.get();
+    codec_.AcceptBothMarkForms(!settings || settings->LocalFileRawMarks);
 }
 
 QString FileResource::FullName() const {
@@ -44,26 +49,19 @@ bool FileResource::ReadOnly() const {
     return !files_->Stat(folder_).Writable;
 }
 
-QString FileResource::ReadText() {
+QByteArray FileResource::readBytes() {
     if (!IsItem())
         throw BrixError(ConnectionErrors::NotAnItem,
                         QStringLiteral("%1 is a folder, not a file.").arg(FullName()));
     try {
-        return codec_.Decode(files_->ReadFile(FullName()));
+        return files_->ReadFile(FullName());
     } catch (const BrixError& e) {
         throw BrixError(e.Number,
                         QStringLiteral("The file could not be read. %1").arg(e.Description));
     }
 }
 
-void FileResource::WriteText(const QString& text) {
-    if (!IsItem())
-        throw BrixError(ConnectionErrors::NotAnItem,
-                        QStringLiteral("%1 is a folder, not a file.").arg(FullName()));
-    if (ReadOnly())
-        throw BrixError(BrixErrors::CannotWrite,
-                        QStringLiteral("%1 can't be written: it is read-only.").arg(FullName()));
-    const QByteArray bytes = codec_.Encode(text, FullName());
+void FileResource::writeBytes(const QByteArray& bytes) {
     try {
         files_->WriteFile(FullName(), bytes);
     } catch (const BrixError& e) {
@@ -71,6 +69,33 @@ void FileResource::WriteText(const QString& text) {
                         QStringLiteral("%1 was not saved; the file on disk is unchanged. %2")
                             .arg(FullName(), e.Description));
     }
+}
+
+void FileResource::checkWritable() const {
+    if (!IsItem())
+        throw BrixError(ConnectionErrors::NotAnItem,
+                        QStringLiteral("%1 is a folder, not a file.").arg(FullName()));
+    if (ReadOnly())
+        throw BrixError(BrixErrors::CannotWrite,
+                        QStringLiteral("%1 can't be written: it is read-only.").arg(FullName()));
+}
+
+QString FileResource::ReadText() {
+    return codec_.Decode(readBytes());
+}
+
+void FileResource::WriteText(const QString& text) {
+    checkWritable();
+    writeBytes(codec_.Encode(text, FullName()));
+}
+
+QByteArray FileResource::ReadEditorText(int tabBlanks) {
+    return codec_.DecodeForEditor(readBytes(), tabBlanks);
+}
+
+void FileResource::WriteEditorText(std::string_view text) {
+    checkWritable();
+    writeBytes(codec_.EncodeFromEditor(text, FullName()));
 }
 
 std::shared_ptr<mvHost> FileResource::Host() {

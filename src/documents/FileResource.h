@@ -34,6 +34,8 @@ public:
 
     QString ReadText() override;
     void WriteText(const QString& text) override;
+    QByteArray ReadEditorText(int tabBlanks) override;
+    void WriteEditorText(std::string_view text) override;
     void Commit() override {}
 
     void SetLocked(bool locked) override { locked_ = locked; }
@@ -47,6 +49,9 @@ public:
     QString FullName() const;
 
 private:
+    QByteArray readBytes();
+    void writeBytes(const QByteArray& bytes);
+    void checkWritable() const;
     QString folder_;
     QString name_;
     std::shared_ptr<HostTransport> files_;

@@ -122,20 +122,20 @@ bool HostResource::ReadOnly() const {
     return !files.Stat(fileFolder_).Writable;
 }
 
-QString HostResource::ReadText() {
+QByteArray HostResource::readBytes() {
     if (!IsItem())
         throw BrixError(
             ConnectionErrors::NotAnItem,
             QStringLiteral("%1 is a folder or file definition, not an item.").arg(DisplayID()));
     try {
-        return codec_.Decode(host_->Transport()->ReadFile(itemFile_));
+        return host_->Transport()->ReadFile(itemFile_);
     } catch (const BrixError& e) {
         throw BrixError(e.Number,
                         QStringLiteral("%1 could not be read. %2").arg(itemLabel(), e.Description));
     }
 }
 
-void HostResource::WriteText(const QString& text) {
+void HostResource::checkWritable() const {
     if (!IsItem())
         throw BrixError(
             ConnectionErrors::NotAnItem,
@@ -143,7 +143,9 @@ void HostResource::WriteText(const QString& text) {
     if (ReadOnly())
         throw BrixError(BrixErrors::CannotWrite,
                         QStringLiteral("%1 can't be written: it is read-only.").arg(itemLabel()));
-    const QByteArray bytes = codec_.Encode(text, itemLabel());
+}
+
+void HostResource::writeBytes(const QByteArray& bytes) {
     try {
         host_->Transport()->WriteFile(itemFile_, bytes);
     } catch (const BrixError& e) {
@@ -151,6 +153,24 @@ void HostResource::WriteText(const QString& text) {
                         QStringLiteral("%1 was not saved; the item on the host is unchanged. %2")
                             .arg(itemLabel(), e.Description));
     }
+}
+
+QString HostResource::ReadText() {
+    return codec_.Decode(readBytes());
+}
+
+void HostResource::WriteText(const QString& text) {
+    checkWritable();
+    writeBytes(codec_.Encode(text, itemLabel()));
+}
+
+QByteArray HostResource::ReadEditorText(int tabBlanks) {
+    return codec_.DecodeForEditor(readBytes(), tabBlanks);
+}
+
+void HostResource::WriteEditorText(std::string_view text) {
+    checkWritable();
+    writeBytes(codec_.EncodeFromEditor(text, itemLabel()));
 }
 
 void HostResource::SetLocked(bool locked) {

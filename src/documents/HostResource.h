@@ -40,6 +40,8 @@ public:
 
     QString ReadText() override;
     void WriteText(const QString& text) override;
+    QByteArray ReadEditorText(int tabBlanks) override;
+    void WriteEditorText(std::string_view text) override;
     void Commit() override {}
 
     void SetLocked(bool locked) override;
@@ -56,6 +58,9 @@ public:
     bool HashedFile() const;
 
 private:
+    QByteArray readBytes();
+    void writeBytes(const QByteArray& bytes);
+    void checkWritable() const;
     const HostProfile& profile() const;
     QString itemLabel() const;
 

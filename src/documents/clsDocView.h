@@ -40,4 +40,7 @@ public:
     virtual QWidget* Widget() = 0;
     // The document's colouring was switched: rescan and repaint.
     virtual void HighlightChanged(bool highlight) = 0;
+    // A line above the text that tells something about the document, without asking
+    // anything; an empty text takes it away.
+    virtual void ShowNotice(const QString& text) = 0;
 };

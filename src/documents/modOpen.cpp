@@ -17,6 +17,7 @@
 #include "support/ShowError.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -241,12 +242,20 @@ bool mvDocument::OpenResource(std::shared_ptr<mvResource> resource, bool readOnl
 
         ScintillaBuffer* buffer = Buffer();
         SetStatus(QStringLiteral("Reading document from host"));
+        bool binary = false;
         {
             const modAutoRecover::Suspension suspended;
-            const QString text = resource_->ReadText();
-            buffer->SetAllText(HostToEditorText(text));
+            // Straight into the editor's form: the text is never built twice.
+            const QByteArray text = resource_->ReadEditorText(std::max<int>(Settings().TabSize, 1));
+            binary = text.contains('\0');
+            buffer->SetAllBytes(text);
         }
         SetStatus(QString());
+        // Told, not asked: an automation client opening it must not wait on a box.
+        View()->ShowNotice(binary ? QStringLiteral("This document holds NUL bytes and looks like a "
+                                                   "binary file. Every byte is kept as it was; "
+                                                   "control characters show as signs.")
+                                  : QString());
 
         Editor()->SetCursor(0, 0);
         buffer->ClearAllBookmarks();

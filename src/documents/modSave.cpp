@@ -51,8 +51,8 @@ void mvDocument::writeToResource() {
     SetStatus(QStringLiteral("Saving document to host"));
     {
         const modAutoRecover::Suspension suspended;
-        const QString text = Text();
-        resource_->WriteText(text);
+        EnsureView();
+        resource_->WriteEditorText(Buffer()->AllBytes());
         resource_->Commit();
     }
     SetStatus(QString());

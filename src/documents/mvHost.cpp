@@ -1,5 +1,7 @@
 #include "documents/mvHost.h"
 
+#include "documents/ConnectionProfiles.h"
+
 #include "documents/ConnectionErrors.h"
 #include "documents/HostTransport.h"
 
@@ -35,8 +37,11 @@ QString mvHost::Execute(const QString& command, const QString&, int32_t) {
 QString mvHost::AccountFolder(const QString& account) const {
     if (profile_) {
         for (const auto& [name, folder] : profile_->Accounts) {
-            if (name.compare(account, Qt::CaseInsensitive) == 0 && !folder.isEmpty())
+            if (name.compare(account, Qt::CaseInsensitive) == 0 && !folder.isEmpty()) {
+                if (folder == ConnectionProfiles::DemoAccountFolder())
+                    ConnectionProfiles::EnsureDemoAccount();
                 return folder;
+            }
         }
         const bool plainName = !account.isEmpty() && !account.contains(QLatin1Char('/')) &&
                                account != QLatin1String(".") && account != QLatin1String("..") &&

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QByteArray>
+#include <string_view>
+
 #include <QString>
 #include <cstdint>
 #include <memory>
@@ -35,6 +38,10 @@ public:
     // private-use characters U+F8FD and U+F8FC.
     virtual QString ReadText() = 0;
     virtual void WriteText(const QString& text) = 0;
+    // The same text straight in the editor's form, without a copy in between: UTF-8 with LF
+    // lines, value and subvalue marks as codes 29 and 28, each tab as `tabBlanks` blanks.
+    virtual QByteArray ReadEditorText(int tabBlanks) = 0;
+    virtual void WriteEditorText(std::string_view text) = 0;
     virtual void Commit() = 0;
 
     // True takes the lock and raises when it is refused; false drops it.

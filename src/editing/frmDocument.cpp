@@ -14,6 +14,8 @@
 
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QVBoxLayout>
 #include <QMdiArea>
 #include <QMouseEvent>
 #include <QTimer>
@@ -25,8 +27,23 @@ frmDocument::frmDocument(IFrame* frame)
 frmDocument::frmDocument(IFrame* frame, Qt::WindowFlags flags)
     : QMdiSubWindow(nullptr, flags), frame_(frame),
       frameWidget_(frame ? frame->OwnerWindow() : nullptr) {
-    txtText_ = new SourceView(this);
-    setWidget(txtText_);
+    // The editor under a notice line that shows only when there is something to tell.
+    auto* body = new QWidget(this);
+    auto* layout = new QVBoxLayout(body);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    lblNotice_ = new QLabel(body);
+    lblNotice_->setWordWrap(true);
+    lblNotice_->setContentsMargins(6, 4, 6, 4);
+    lblNotice_->setAutoFillBackground(true);
+    lblNotice_->setBackgroundRole(QPalette::ToolTipBase);
+    lblNotice_->setForegroundRole(QPalette::ToolTipText);
+    lblNotice_->hide();
+    txtText_ = new SourceView(body);
+    layout->addWidget(lblNotice_);
+    layout->addWidget(txtText_);
+    setWidget(body);
+    setFocusProxy(txtText_);
     setAttribute(Qt::WA_DeleteOnClose, false);
     focusTimer_ = new QTimer(this);
     focusTimer_->setSingleShot(true);
@@ -320,6 +337,15 @@ void frmDocument::maximizeNext(QMdiArea& area) {
         next->SetWindowState(Maximized);
         return;
     }
+}
+
+void frmDocument::ShowNotice(const QString& text) {
+    lblNotice_->setText(text);
+    lblNotice_->setVisible(!text.isEmpty());
+}
+
+QString frmDocument::Notice() const {
+    return lblNotice_->isHidden() ? QString() : lblNotice_->text();
 }
 
 void frmDocument::SetTitle(const QString& title) {

@@ -1,5 +1,6 @@
 #pragma once
 
+class QLabel;
 class QMdiArea;
 
 #include "documents/clsDocView.h"
@@ -38,6 +39,8 @@ public:
     bool QueryUnload() override;
     void Unload() override;
     SourceView* txtText() const override { return txtText_; }
+    void ShowNotice(const QString& text) override;
+    QString Notice() const;
     QString Title() const override { return titleText_; }
     void SetTitle(const QString& title) override;
     std::shared_ptr<mvDocument> ViewObject() const override { return viewObject_.lock(); }
@@ -93,6 +96,7 @@ private:
     IFrame* frame_ = nullptr;
     QPointer<QWidget> frameWidget_;
     SourceView* txtText_ = nullptr;
+    QLabel* lblNotice_ = nullptr;
     std::weak_ptr<mvDocument> viewObject_;
     std::shared_ptr<LexClass> lex_;
     std::shared_ptr<DrawClass> draw_;

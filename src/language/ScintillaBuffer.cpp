@@ -636,12 +636,26 @@ QString ScintillaBuffer::AllText() const {
     return QString::fromUtf8(bytes);
 }
 
-void ScintillaBuffer::SetAllText(const QString& text) {
+std::string_view ScintillaBuffer::AllBytes() const {
     flushEdits();
-    const QByteArray bytes = toBufferText(text);
+    const long length = sci(QsciScintillaBase::SCI_GETLENGTH);
+    const auto* text = reinterpret_cast<const char*>(sci(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+    return text ? std::string_view(text, static_cast<size_t>(length)) : std::string_view();
+}
+
+void ScintillaBuffer::SetAllText(const QString& text) {
+    SetAllBytes(toBufferText(text));
+}
+
+void ScintillaBuffer::SetAllBytes(const QByteArray& bytes) {
+    flushEdits();
     const bool before = Modified();
-    runUnrecorded(
-        [&] { editor_.SendScintilla(QsciScintillaBase::SCI_SETTEXT, bytes.constData()); });
+    // Counted, not terminated: a NUL in the text is text.
+    runUnrecorded([&] {
+        sci(QsciScintillaBase::SCI_CLEARALL);
+        editor_.SendScintilla(QsciScintillaBase::SCI_APPENDTEXT,
+                              static_cast<unsigned long>(bytes.size()), bytes.constData());
+    });
     // The old records no longer fit the text.
     sci(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
     ops_.clear();

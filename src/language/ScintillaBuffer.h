@@ -61,6 +61,11 @@ public:
     // The whole text with the buffer's line ends, and replacing it (no undo record).
     QString AllText() const;
     void SetAllText(const QString& text);
+    // The text as the component holds it (UTF-8, LF lines), NULs and all, without a copy:
+    // valid until the next change.
+    std::string_view AllBytes() const;
+    // Takes text in that form; CRs are the caller's to have turned into line ends.
+    void SetAllBytes(const QByteArray& utf8);
 
     // Scintilla byte position of a line and column, and back.
     long PositionOf(int32_t column, int32_t line) const;

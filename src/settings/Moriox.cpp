@@ -56,6 +56,7 @@ const Field Fields[] = {
     {"CompileCommand", "CompileCommand", &Moriox::CompileCommand, "BASIC"},
     {"CompileOptions", "CompileOptions", &Moriox::CompileOptions, ""},
     {"RecordLocking", "RecordLocking", &Moriox::RecordLocking, "True"},
+    {"LocalFileRawMarks", "LocalFileRawMarks", &Moriox::LocalFileRawMarks, "True"},
     {"ColorPrinting", "ColorPrinting", &Moriox::ColorPrinting, "False", Rule::None, true, "false"},
     {"NoGotoDialog", "NoGotoDialog", &Moriox::NoGotoDialog, "False"},
     {"GotoLineNumber", "GotoLineNumber", &Moriox::GotoLineNumber, "False"},

@@ -47,6 +47,9 @@ public:
     // The keyword table; its identity stays for the whole run, since lexers share it.
     std::shared_ptr<clsKeywords> Keywords;
     bool RecordLocking = true;
+    // Marks typed into a local file that had none are written as the bytes 0xFD and 0xFC
+    // (as hosts and source repositories keep them), or off, as UTF-8 of U+F8FD and U+F8FC.
+    bool LocalFileRawMarks = true;
     bool ColorPrinting = false;
     bool NoGotoDialog = false;
     bool GotoLineNumber = false;

@@ -30,7 +30,7 @@ HostAccountFixture::HostAccountFixture()
     accounts_ = tmp_->path();
     ::chmod(QFile::encodeName(accounts_).constData(), 0755);
     QDir().mkpath(accounts_ + QStringLiteral("/DEMO/BP"));
-    const QDir demo(ConnectionProfiles::DemoAccountFolder() + QStringLiteral("/BP"));
+    const QDir demo(ConnectionProfiles::ShippedDemoFolder() + QStringLiteral("/BP"));
     for (const QString& name : demo.entryList(QDir::Files))
         QFile::copy(demo.filePath(name), ItemFile(QStringLiteral("BP"), name));
     if (demo.isEmpty())

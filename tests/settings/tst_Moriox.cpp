@@ -405,7 +405,7 @@ private Q_SLOTS:
         QCOMPARE(store.value(QStringLiteral("BackColor")).toString(),
                  QStringLiteral("-2147483643"));
         QVERIFY(store.contains(QStringLiteral("CompileOptions")));
-        QCOMPARE(store.childKeys().size(), 40);
+        QCOMPARE(store.childKeys().size(), 41);
         QVERIFY(!store.contains(QStringLiteral("MainLeft")));
     }
 

@@ -1,0 +1,224 @@
+#include "DocumentSession.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/ConnectionProfiles.h"
+#include "documents/clsDocView.h"
+#include "documents/mvConnection.h"
+#include "documents/mvDocument.h"
+#include "editing/frmDocument.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "settings/Moriox.h"
+#include "shell/frmMain.h"
+
+#include <QDirIterator>
+#include <QRandomGenerator>
+
+// Bytes from disk to the editor and back: every byte in every place, random files, the
+// corpus, NULs, and the form marks are written in, for local files and for hosts of each
+// mark form and character set.
+class tst_ItemBytes : public QObject {
+    Q_OBJECT
+    DocumentSession session;
+
+    // Where an item of the form lives on disk, and its path for the document.
+    struct Place {
+        QString File;
+        QString Path;
+    };
+    Place place(const QString& form, const QString& name) const {
+        if (form == QLatin1String("local")) {
+            const QString file = session.Account->LocalFolder() + QLatin1Char('/') + name;
+            return {file, mvConnection::Instance().MakeFilePath({}, {}, file)};
+        }
+        return {session.Account->Accounts() + QStringLiteral("/DEMO/BP/") + name,
+                QStringLiteral("mvdb://%1/DEMO/BP/%2").arg(form, name)};
+    }
+    static void write(const QString& file, const QByteArray& bytes) {
+        QFile out(file);
+        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        out.write(bytes);
+    }
+    static QByteArray read(const QString& file) {
+        QFile in(file);
+        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
+    }
+    // Opens, lets `edit` change the document, saves; gives the bytes on disk after.
+    template <typename Edit> QByteArray roundTrip(const Place& at, Edit&& edit) {
+        auto document = mvDocument::Create();
+        if (!document->FileOpen(at.Path, false))
+            return "<not opened>";
+        edit(*document);
+        const bool saved = document->FileSave();
+        document->FileClose(false);
+        return saved ? read(at.File) : QByteArray("<not saved>");
+    }
+    static void addForms() {
+        QTest::addColumn<QString>("form");
+        QTest::newRow("local file") << "local";
+        QTest::newRow("raw marks, Latin-1") << "rawlatin";
+        QTest::newRow("raw marks, UTF-8") << "rawutf8";
+        QTest::newRow("UTF-8 marks, UTF-8") << "utf8";
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        session.StartCase();
+        Settings().RecordLocking = false;
+    }
+    void cleanupTestCase() { session.EndCase(); }
+    void init() {
+        session.StartTest();
+        // Three more hosts over the same accounts, one for each way of keeping bytes.
+        QFile profiles(session.Account->ProfilesFile());
+        QVERIFY(profiles.open(QIODevice::Append));
+        const QByteArray folder = session.Account->Accounts().toUtf8();
+        for (const char* form :
+             {"rawlatin:raw:ISO-8859-1", "rawutf8:raw:UTF-8", "utf8:utf8:UTF-8"}) {
+            const QList<QByteArray> parts = QByteArray(form).split(':');
+            profiles.write("\n[" + parts[0] + "]\nAccountsFolder=" + folder +
+                           "\nDefaultAccount=DEMO\nMarks=" + parts[1] + "\nCharset=" + parts[2] +
+                           "\n");
+        }
+        profiles.close();
+        mvConnection::Instance().LoadProfiles(session.Account->ProfilesFile());
+    }
+    void cleanup() { session.EndTest(true); }
+
+    // Each byte at the start, inside and at the end of a line, and as the last byte of the
+    // file, while another line is edited.
+    void everyByteInEveryPlace_data() { addForms(); }
+    void everyByteInEveryPlace() {
+        QFETCH(QString, form);
+        const Place at = place(form, QStringLiteral("BYTES"));
+        for (int b = 0; b < 256; ++b) {
+            const QByteArray c(1, char(b));
+            const QByteArray tail = c + "x" + c + "y" + c + "\nL3 " + c;
+            write(at.File, "L1\n" + tail);
+            const QByteArray back = roundTrip(at, [](mvDocument& d) {
+                d.Editor()->SetCursor(2, 0);
+                d.SetSelText(QStringLiteral("Z"));
+            });
+            QVERIFY2(back == "L1Z\n" + tail,
+                     qPrintable(QStringLiteral("byte %1: %2")
+                                    .arg(b)
+                                    .arg(QString::fromLatin1(back.toHex(' ')))));
+        }
+    }
+
+    void randomBytesComeBack_data() { addForms(); }
+    void randomBytesComeBack() {
+        QFETCH(QString, form);
+        const Place at = place(form, QStringLiteral("RANDOM"));
+        for (quint32 seed = 1; seed <= 3; ++seed) {
+            QRandomGenerator random(seed);
+            QByteArray bytes(20000, Qt::Uninitialized);
+            for (char& c : bytes)
+                c = char(random.bounded(256));
+            write(at.File, bytes);
+            QCOMPARE(roundTrip(at, [](mvDocument&) {}), bytes);
+            // A new first line moves every other one down; each keeps its bytes.
+            const QByteArray back = roundTrip(at, [](mvDocument& d) {
+                d.Editor()->SetCursor(0, 0);
+                d.SetSelText(QStringLiteral("NEW\n"));
+            });
+            QCOMPARE(back.mid(back.indexOf('\n') + 1), bytes);
+        }
+    }
+
+    // Programs kept with raw marks show them as marks and save back unchanged.
+    void corpusComesBack() {
+        int programs = 0;
+        int marked = 0;
+        QDirIterator it(TestEnv::Shared(QStringLiteral("corpus")), QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString source = it.next();
+            const QByteArray bytes = read(source);
+            const Place at = place(QStringLiteral("local"), QStringLiteral("PROGRAM"));
+            write(at.File, bytes);
+            auto document = mvDocument::Create();
+            QVERIFY(document->FileOpen(at.Path, false));
+            const std::string_view text = document->Buffer()->AllBytes();
+            QCOMPARE(text.find('\xFD') == std::string_view::npos, true);
+            QCOMPARE(bytes.count('\xFD'), qsizetype(std::count(text.begin(), text.end(), '\x1D')));
+            marked += bytes.contains('\xFD') ? 1 : 0;
+            document->SetDirty(true);
+            QVERIFY(document->FileSave());
+            document->FileClose(false);
+            QVERIFY2(read(at.File) == bytes, qPrintable(source));
+            ++programs;
+        }
+        QVERIFY(programs > 100);
+        QVERIFY(marked > 0);
+    }
+
+    // NULs are text: nothing is cut, and the window says what it holds without asking.
+    void nulBytesOpenWithANotice() {
+        const Place at = place(QStringLiteral("local"), QStringLiteral("BINARY"));
+        const QByteArray bytes("abc\0def\nx\0\0y", 13);
+        write(at.File, bytes);
+        auto document = mvDocument::Create();
+        QVERIFY(document->FileOpen(at.Path, false));
+        QCOMPARE(document->Buffer()->AllBytes(), std::string_view(bytes.constData(), 13));
+        auto* window = dynamic_cast<frmDocument*>(document->View());
+        QVERIFY(window && window->Notice().contains(QStringLiteral("NUL")));
+        document->Editor()->SetCursor(0, 1);
+        document->SetSelText(QStringLiteral("Q"));
+        QVERIFY(document->FileSave());
+        document->FileClose(false);
+        QCOMPARE(read(at.File), QByteArray("abc\0def\nQx\0\0y", 14));
+    }
+
+    // Marks typed into a local file follow the form the file has, and the setting in one
+    // that has none.
+    void typedMarksTakeTheFilesForm_data() {
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<bool>("rawSetting");
+        QTest::addColumn<QByteArray>("after");
+        QTest::newRow("no marks, raw") << QByteArray("A\n") << true << QByteArray("]A\n");
+        QTest::newRow("no marks, UTF-8") << QByteArray("A\n") << false
+                                         << QByteArray("\xEF\xA3\xBD"
+                                                       "A\n");
+        QTest::newRow("raw marks") << QByteArray("A\xFC\n") << false << QByteArray("]A\xFC\n");
+        QTest::newRow("UTF-8 marks") << QByteArray("A\xEF\xA3\xBC\n") << true
+                                     << QByteArray("\xEF\xA3\xBD"
+                                                   "A\xEF\xA3\xBC\n");
+    }
+    void typedMarksTakeTheFilesForm() {
+        QFETCH(QByteArray, before);
+        QFETCH(bool, rawSetting);
+        QFETCH(QByteArray, after);
+        after.replace(']', '\xFD');
+        Settings().LocalFileRawMarks = rawSetting;
+        const Place at = place(QStringLiteral("local"), QStringLiteral("MARKS"));
+        write(at.File, before);
+        QCOMPARE(roundTrip(at,
+                           [](mvDocument& d) {
+                               d.Editor()->SetCursor(0, 0);
+                               d.InsValue();
+                           }),
+                 after);
+        Settings().LocalFileRawMarks = true;
+    }
+
+    // The demo account a user edits is a copy in the data folder; the shipped one stays.
+    void demoAccountIsACopy() {
+        const QString shipped = ConnectionProfiles::ShippedDemoFolder();
+        const QString copy = ConnectionProfiles::DemoAccountFolder();
+        QVERIFY(!shipped.isEmpty());
+        QVERIFY(ConnectionProfiles::EnsureDemoAccount());
+        QVERIFY(copy.startsWith(
+            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)));
+        const QByteArray hello = read(shipped + QStringLiteral("/BP/HELLO"));
+        QCOMPARE(read(copy + QStringLiteral("/BP/HELLO")), hello);
+        QVERIFY(QFileInfo(copy + QStringLiteral("/CUSTOMERS/DATA.30")).exists());
+        write(copy + QStringLiteral("/BP/HELLO"), "changed");
+        QCOMPARE(ConnectionProfiles::DemoAccountFolder(), copy);
+        QCOMPARE(read(shipped + QStringLiteral("/BP/HELLO")), hello);
+    }
+};
+
+BRIX_TEST_MAIN(tst_ItemBytes)
+#include "tst_ItemBytes.moc"
