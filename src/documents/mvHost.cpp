@@ -1,5 +1,6 @@
 #include "documents/mvHost.h"
 
+#include "documents/CommandOutput.h"
 #include "documents/ConnectionErrors.h"
 #include "documents/HostTransport.h"
 
@@ -21,15 +22,19 @@ QString mvHost::Execute(const QString& command, const QString&, int32_t) {
                         profile_ ? QStringLiteral("The connection \"%1\" does not allow commands.")
                                        .arg(profile_->Name)
                                  : QStringLiteral("Commands can't be run for local files."));
-    QStringList line = QProcess::splitCommand(profile_->CommandLine);
-    line << command;
+    const QStringList program = QProcess::splitCommand(profile_->CommandLine);
     QString folder;
     if (!account_.isEmpty())
         folder = AccountFolder(account_);
     int exitCode = 0;
-    const QByteArray output = transport_->Run(line, folder, exitCode);
-    return profile_->Charset == ItemTextCodec::Charset::Utf8 ? QString::fromUtf8(output)
-                                                             : QString::fromLatin1(output);
+    const QByteArray output =
+        transport_->Run(CommandOutput::Prepare(program, command), folder, exitCode);
+    // What env says when it can't start the program.
+    if ((exitCode == 126 || exitCode == 127) && output.startsWith("env: "))
+        throw BrixError(ConnectionErrors::CommandFailed,
+                        QStringLiteral("Can't start \"%1\": %2")
+                            .arg(program.first(), QString::fromLocal8Bit(output.mid(5)).trimmed()));
+    return CommandOutput::Clean(output, profile_->Charset);
 }
 
 QString mvHost::AccountFolder(const QString& account) const {
