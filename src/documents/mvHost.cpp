@@ -29,11 +29,13 @@ QString mvHost::Execute(const QString& command, const QString&, int32_t) {
     int exitCode = 0;
     const QByteArray output =
         transport_->Run(CommandOutput::Prepare(program, command), folder, exitCode);
-    // What env says when it can't start the program.
-    if ((exitCode == 126 || exitCode == 127) && output.startsWith("env: "))
-        throw BrixError(ConnectionErrors::CommandFailed,
-                        QStringLiteral("Can't start \"%1\": %2")
-                            .arg(program.first(), QString::fromLocal8Bit(output.mid(5)).trimmed()));
+    // What env says when it can't start the program: "/usr/bin/env: 'qm': No such file...".
+    const qsizetype colon = output.indexOf(": ");
+    if ((exitCode == 126 || exitCode == 127) && colon > 0 && output.left(colon).endsWith("env"))
+        throw BrixError(
+            ConnectionErrors::CommandFailed,
+            QStringLiteral("Can't start \"%1\": %2")
+                .arg(program.first(), QString::fromLocal8Bit(output.mid(colon + 2)).trimmed()));
     return CommandOutput::Clean(output, profile_->Charset);
 }
 
