@@ -47,7 +47,8 @@ fetch_source() {
   else
     # The same two changes: gcc 12 in C2x mode has no bool keyword yet, and takes no
     # prototype without a named parameter.
-    sed -i 's/^#if __STDC_VERSION__ <= 201710L/& || (defined(__GNUC__) \&\& __GNUC__ < 13)/' \
+    local gcc12='defined(__GNUC__) \&\& !defined(__clang__) \&\& __GNUC__ < 13'
+    sed -i "s/^#if __STDC_VERSION__ <= 201710L/\\0 || ($gcc12)/" \
       "$dir/src.tmp/gplsrc/qmdefs.h" "$dir/src.tmp/gplsrc/qmtic.c"
     sed -i 's/__GNUC__ > 11/__GNUC__ > 12/' "$dir/src.tmp/gplsrc/op_ccall.c"
   fi
@@ -119,6 +120,7 @@ host() {
   dir=$(cd "$1" && pwd)
   mkdir -p "$2"
   host=$(cd "$2" && pwd)
+  [ -z "$(ls -A "$host")" ] || die "$host must be a new or empty folder"
   build "$dir"
   exec 9>&-
   make_host "$dir" "$host"
@@ -140,7 +142,7 @@ host() {
     tries=$((tries + 1))
   done
   local ns
-  ns=$(cat "/proc/$owner/task/$owner/children" 2>/dev/null | awk '{print $1}')
+  ns=$(awk '{print $1}' "/proc/$owner/task/$owner/children" 2>/dev/null)
   [ -n "$ns" ] || die "can't find the QM host's namespace"
   echo "$ns" >"$host/ns.pid"
   echo ready
