@@ -86,6 +86,8 @@ private Q_SLOTS:
                                      << QByteArray("z") << QByteArray("1.1.1=z\r\n");
         QTest::newRow("blank") << QStringLiteral("A B") << QStringLiteral("q") << QByteArray("q")
                                << QByteArray("1.1.1=q\r\n");
+        QTest::newRow("tilde, percent, equals") << QStringLiteral("~P%Q=R") << QStringLiteral("t")
+                                                << QByteArray("t") << QByteArray("1.1.1=t\r\n");
     }
     void qmReadsWhatBrixWrote() {
         QFETCH(QString, id);
@@ -101,7 +103,7 @@ private Q_SLOTS:
     // QM writes the item; Brix lists it and opens it with its marks in the text.
     void brixShowsWhatQmWrote_data() {
         QTest::addColumn<QString>("id");
-        for (const char* id : {"QMARKS", "Q/S", ".QDOT", "Q B"})
+        for (const char* id : {"QMARKS", "Q/S", ".QDOT", "Q B", "~Q%R=S"})
             QTest::newRow(id) << QString::fromLatin1(id);
     }
     void brixShowsWhatQmWrote() {
