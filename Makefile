@@ -3,7 +3,7 @@ BUILD_RELEASE := build/release
 BUILD_TEST    := build/test
 JOBS          ?= $(shell nproc)
 
-.PHONY: all deps build run test bench format clean
+.PHONY: all deps build run run-qm test bench format clean
 
 all: build
 
@@ -18,6 +18,10 @@ build: deps $(BUILD_RELEASE)/build.ninja
 
 run: build
 	$(BUILD_RELEASE)/brix
+
+# The editor on a private ScarletDME host with the demo account QMDEMO (see README.md).
+run-qm: build
+	scripts/scarletdme.sh demo $(BUILD_RELEASE) $(BUILD_RELEASE)/brix
 
 $(BUILD_TEST)/build.ninja:
 	cmake -S . -B $(BUILD_TEST) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DBRIX_SANITIZE=ON -DBRIX_TESTS=ON

@@ -17,5 +17,6 @@ constexpr int32_t NotAnItem = static_cast<int32_t>(0x80049D13u);
 constexpr int32_t Unrepresentable = static_cast<int32_t>(0x80049D14u);
 constexpr int32_t CommandsNotAllowed = static_cast<int32_t>(0x80049D20u);
 constexpr int32_t CommandFailed = static_cast<int32_t>(0x80049D21u);
+constexpr int32_t CommandTimedOut = static_cast<int32_t>(0x80049D22u);
 constexpr int32_t LockFailed = static_cast<int32_t>(0x80049D2Cu);
 } // namespace ConnectionErrors

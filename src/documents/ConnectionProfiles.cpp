@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
+#include <algorithm>
 
 namespace {
 
@@ -134,6 +135,18 @@ void ConnectionProfiles::Load(const QString& file) {
             p.DefaultAccount = text(ini.value(QStringLiteral("DefaultAccount")));
             p.CommandLine = text(ini.value(QStringLiteral("Command")));
             p.AllowCommands = toBool(ini.value(QStringLiteral("AllowCommands")), false);
+            const QString timeout = text(ini.value(QStringLiteral("CommandTimeout"))).trimmed();
+            if (!timeout.isEmpty()) {
+                bool number = false;
+                const int seconds = timeout.toInt(&number);
+                if (number && seconds > 0)
+                    p.CommandTimeout = std::min(seconds, 1000000);
+                else
+                    Warnings << QStringLiteral("Connection %1: CommandTimeout must be a number of "
+                                               "seconds; %2 is used.")
+                                    .arg(group)
+                                    .arg(p.CommandTimeout);
+            }
             const QString marks = ini.value(QStringLiteral("Marks"), QStringLiteral("raw"))
                                       .toString()
                                       .trimmed()

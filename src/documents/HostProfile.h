@@ -23,6 +23,8 @@ struct HostProfile {
     // The program and its arguments that run one TCL command, given as the last argument.
     QString CommandLine;
     bool AllowCommands = false;
+    // A command still running after this many seconds is stopped.
+    int CommandTimeout = 300;
     bool RawMarks = true;
     ItemTextCodec::Charset Charset = ItemTextCodec::Charset::Latin1;
     ItemIdCodec::Mode ItemNames = ItemIdCodec::Mode::Plain;

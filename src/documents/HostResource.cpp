@@ -85,7 +85,8 @@ bool HostResource::HashedFile() const {
     auto has = [&](const char* name) {
         return files.Stat(fileFolder_ + QLatin1Char('/') + QLatin1String(name)).Exists;
     };
-    return has("DATA.30") || has("OVER.30") || has("%0") || has("%1");
+    // UniVerse-style, QM's on Windows, and QM's on Linux (ScarletDME).
+    return has("DATA.30") || has("OVER.30") || has("%0") || has("%1") || has("~0") || has("~1");
 }
 
 bool HostResource::IsItem() const {
@@ -220,7 +221,8 @@ std::vector<mvResource::Child> HostResource::Children() {
                 const QString path =
                     accountFolder_ + QLatin1Char('/') + entry.Name + QLatin1Char('/');
                 directoryFile = !files.Stat(path + QStringLiteral("DATA.30")).Exists &&
-                                !files.Stat(path + QStringLiteral("%0")).Exists;
+                                !files.Stat(path + QStringLiteral("%0")).Exists &&
+                                !files.Stat(path + QStringLiteral("~0")).Exists;
             }
             children.push_back({name, directoryFile, false});
         }

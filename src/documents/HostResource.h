@@ -11,7 +11,7 @@ struct HostProfile;
 
 // An item of a directory-type file on a host, or a folder-like level above it (the host,
 // an account, a file). Items are the files of the file's folder; a file that is a plain
-// OS file, or a folder with DATA.30/OVER.30 or %0/%1, is a hashed file: a file
+// OS file, or a folder with DATA.30/OVER.30, %0/%1 or ~0/~1, is a hashed file: a file
 // definition whose items can't be opened here.
 class HostResource final : public mvResource {
 public:

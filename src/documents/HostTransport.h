@@ -46,8 +46,15 @@ public:
     // A missing file is no error.
     virtual void Remove(const QString& path) = 0;
     virtual void MakeFolder(const QString& path) = 0;
-    // Runs the program with its arguments, none of which a shell sees; gives the output,
-    // standard error included.
+    // Runs the program with its arguments, none of which a shell sees, its input empty;
+    // gives the output, standard error included. A program still running after
+    // CommandTimeout() is stopped and raises ConnectionErrors::CommandTimedOut.
     virtual QByteArray Run(const QStringList& command, const QString& workingFolder,
                            int& exitCode) = 0;
+
+    void SetCommandTimeout(int milliseconds) { commandTimeout_ = milliseconds; }
+    int CommandTimeout() const { return commandTimeout_; }
+
+private:
+    int commandTimeout_ = 300000;
 };

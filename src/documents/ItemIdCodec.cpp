@@ -10,8 +10,11 @@ struct Escape {
     char16_t character;
     char letter;
 };
-constexpr Escape kEscapes[] = {{'%', '%'}, {'/', 'S'}, {'\\', 'B'}, {':', 'C'}, {'*', 'A'},
-                               {'?', 'Q'}, {'"', 'D'}, {'<', 'L'},  {'>', 'G'}, {'|', 'V'}};
+constexpr Escape kEscapes[] = {{'*', 'A'}, {'\\', 'B'}, {',', 'C'}, {'=', 'E'}, {'>', 'G'},
+                               {'<', 'L'}, {'%', 'P'},  {'"', 'Q'}, {'/', 'S'}, {'+', 'V'},
+                               {':', 'X'}, {';', 'Y'},  {'?', 'Z'}};
+// Only as the first character.
+constexpr Escape kLeading[] = {{'.', 'd'}, {'~', 't'}};
 
 bool isLowerHex(QChar c) {
     return (c >= QLatin1Char('0') && c <= QLatin1Char('9')) ||
@@ -47,21 +50,20 @@ QString ItemIdCodec::ToFileName(const QString& id) const {
         name.reserve(id.size());
         for (qsizetype i = 0; i < id.size(); ++i) {
             const QChar c = id.at(i);
-            if (i == 0 && c == QLatin1Char('.')) {
-                name += QStringLiteral("%E");
-                continue;
+            char letter = 0;
+            for (const Escape& e : kLeading) {
+                if (i == 0 && c.unicode() == e.character)
+                    letter = e.letter;
             }
-            bool escaped = false;
             for (const Escape& e : kEscapes) {
-                if (c.unicode() == e.character) {
-                    name += QLatin1Char('%');
-                    name += QLatin1Char(e.letter);
-                    escaped = true;
-                    break;
-                }
+                if (c.unicode() == e.character)
+                    letter = e.letter;
             }
-            if (escaped)
+            if (letter) {
+                name += QLatin1Char('%');
+                name += QLatin1Char(letter);
                 continue;
+            }
             if (c.unicode() < 0x20 || c.unicode() == 0x7F)
                 name += QStringLiteral("%%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
             else
@@ -89,12 +91,14 @@ QString ItemIdCodec::FromFileName(const QString& name) const {
         if (i + 1 >= name.size())
             return {};
         const QChar next = name.at(i + 1);
-        if (i == 0 && next == QLatin1Char('E')) {
-            id += QLatin1Char('.');
-            ++i;
-            continue;
-        }
         bool found = false;
+        for (const Escape& e : kLeading) {
+            // QM writes the lower-case letter and lists the upper-case one.
+            if (i == 0 && next.toLower() == QLatin1Char(e.letter)) {
+                id += QChar(e.character);
+                found = true;
+            }
+        }
         for (const Escape& e : kEscapes) {
             if (next == QLatin1Char(e.letter)) {
                 id += QChar(e.character);

@@ -4,10 +4,11 @@
 
 // Maps item ids (and file names of an account) to names of the operating system's files
 // and back. "plain" uses the id as the name and refuses ids that can't be one ("/", NUL,
-// ".", ".."). "qm" escapes the characters that are not safe in file names:
-//   %% for %   %S for /   %B for \   %C for :   %A for *   %Q for ?   %D for "
-//   %L for <   %G for >   %V for |   %E for a leading .   %hh (lower-case hex) for
-//   control characters.
+// ".", ".."). "qm" escapes as QM does in its directory files:
+//   %A for *   %B for \   %C for ,   %E for =   %G for >   %L for <   %P for %
+//   %Q for "   %S for /   %V for +   %X for :   %Y for ;   %Z for ?
+//   %d for a leading .   %t for a leading ~   (%D and %T are read too)
+// and, beyond what QM writes, %hh (lower-case hex) for control characters.
 // No name that comes out ever leaves its folder.
 class ItemIdCodec {
 public:

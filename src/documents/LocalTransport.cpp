@@ -8,6 +8,7 @@
 #include <QRandomGenerator>
 #include <QSet>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <ctime>
 #include <dirent.h>
@@ -295,13 +296,25 @@ QByteArray LocalTransport::Run(const QStringList& command, const QString& workin
     if (!workingFolder.isEmpty())
         process.setWorkingDirectory(workingFolder);
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(QIODevice::ReadWrite);
+    // Its own process group, so that a stop reaches what it started too.
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+    // Nothing to read: a program that asks for input ends instead of waiting (QM's pager
+    // waits for ever on a closed pipe, not on the null device).
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.start(QIODevice::ReadOnly);
     if (!process.waitForStarted(30000))
         throw BrixError(
             ConnectionErrors::CommandFailed,
             QStringLiteral("Can't start \"%1\": %2.").arg(command.first(), process.errorString()));
-    process.closeWriteChannel();
-    process.waitForFinished(-1);
+    if (!process.waitForFinished(CommandTimeout()) && process.state() != QProcess::NotRunning) {
+        ::kill(-static_cast<pid_t>(process.processId()), SIGKILL);
+        process.waitForFinished(5000);
+        throw BrixError(ConnectionErrors::CommandTimedOut,
+                        QStringLiteral("The host command \"%1\" did not finish within %2 seconds "
+                                       "and was stopped.")
+                            .arg(command.last())
+                            .arg(CommandTimeout() / 1000));
+    }
     exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     return process.readAll();
 }

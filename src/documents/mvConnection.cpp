@@ -43,6 +43,7 @@ std::shared_ptr<HostTransport> mvConnection::transportFor(const HostProfile& pro
     auto& transport = transports_[key];
     if (!transport)
         transport = std::make_shared<LocalTransport>();
+    transport->SetCommandTimeout(profile.CommandTimeout * 1000);
     return transport;
 }
 

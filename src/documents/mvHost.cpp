@@ -1,7 +1,7 @@
 #include "documents/mvHost.h"
 
+#include "documents/CommandOutput.h"
 #include "documents/ConnectionProfiles.h"
-
 #include "documents/ConnectionErrors.h"
 #include "documents/HostTransport.h"
 
@@ -23,15 +23,21 @@ QString mvHost::Execute(const QString& command, const QString&, int32_t) {
                         profile_ ? QStringLiteral("The connection \"%1\" does not allow commands.")
                                        .arg(profile_->Name)
                                  : QStringLiteral("Commands can't be run for local files."));
-    QStringList line = QProcess::splitCommand(profile_->CommandLine);
-    line << command;
+    const QStringList program = QProcess::splitCommand(profile_->CommandLine);
     QString folder;
     if (!account_.isEmpty())
         folder = AccountFolder(account_);
     int exitCode = 0;
-    const QByteArray output = transport_->Run(line, folder, exitCode);
-    return profile_->Charset == ItemTextCodec::Charset::Utf8 ? QString::fromUtf8(output)
-                                                             : QString::fromLatin1(output);
+    const QByteArray output =
+        transport_->Run(CommandOutput::Prepare(program, command), folder, exitCode);
+    // What env says when it can't start the program: "/usr/bin/env: 'qm': No such file...".
+    const qsizetype colon = output.indexOf(": ");
+    if ((exitCode == 126 || exitCode == 127) && colon > 0 && output.left(colon).endsWith("env"))
+        throw BrixError(
+            ConnectionErrors::CommandFailed,
+            QStringLiteral("Can't start \"%1\": %2")
+                .arg(program.first(), QString::fromLocal8Bit(output.mid(colon + 2)).trimmed()));
+    return CommandOutput::Clean(output, profile_->Charset);
 }
 
 QString mvHost::AccountFolder(const QString& account) const {

@@ -20,7 +20,8 @@ public:
            QString account);
 
     // Runs one TCL command through the profile's command line, the command being one
-    // argument: no shell sees its text. Gives the output.
+    // argument: no shell sees its text. It runs in the account's folder, without a
+    // terminal. Gives the whole output, lines ending in CR LF.
     QString Execute(const QString& command, const QString& reserved = QString(), int32_t flags = 0);
     SessionInfo Session() const { return {account_}; }
     bool AllowsCommands() const;

@@ -31,7 +31,20 @@ class tst_mvConnection : public QObject {
                accounts.toUtf8() + "\nAccounts\\OTHER=" + accounts.toUtf8() +
                "/elsewhere\nDefaultAccount=ACC\nCommand=/bin/echo -n\nAllowCommands=yes\n"
                "Marks=utf8\nItemNames=qm\n\n[pwd]\nAccountsFolder=" +
-               accounts.toUtf8() + "\nCommand=/bin/sh -c pwd sh\nAllowCommands=true\n";
+               accounts.toUtf8() +
+               "\nCommand=/bin/sh -c pwd sh\nAllowCommands=true\n"
+               "\n[printf]\nAccountsFolder=" +
+               accounts.toUtf8() +
+               "\nCommand=printf %b\nAllowCommands=true\n\n[slow]\nAccountsFolder=" +
+               accounts.toUtf8() +
+               "\nCommand=sleep\nCommandTimeout=1\nAllowCommands=true\n"
+               "\n[missing]\nAccountsFolder=" +
+               accounts.toUtf8() + "\nCommand=/no/such/qm -quiet\nAllowCommands=true\n";
+    }
+    static QString execute(const char* server, const QString& command) {
+        return connection()
+            .HostFor(QString::fromLatin1(server), QStringLiteral("ACC"))
+            ->Execute(command);
     }
 
 private Q_SLOTS:
@@ -238,6 +251,41 @@ private Q_SLOTS:
         auto demo = connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
         QCOMPARE(FileTestSupport::ErrorOf([&] { demo->Host()->Execute(QStringLiteral("LIST")); }),
                  ConnectionErrors::CommandsNotAllowed);
+    }
+
+    // What a host writes for a terminal does not reach the results; every line ends in
+    // CR LF.
+    void executeCleansTheOutput_data() {
+        QTest::addColumn<QString>("written");
+        QTest::addColumn<QString>("returned");
+        QTest::newRow("screen control") << "\\033[H\\033[2Ja\\033[24;1H\\033[Kb"
+                                        << "ab";
+        QTest::newRow("title") << "\\033]0;qm\\007x"
+                               << "x";
+        QTest::newRow("LF") << "a\\nb\\n"
+                            << "a\r\nb\r\n";
+        QTest::newRow("CR LF") << "a\\r\\nb\\r\\n"
+                               << "a\r\nb\r\n";
+        QTest::newRow("Latin-1") << "caf\\0351"
+                                 << "caf\u00e9";
+    }
+    void executeCleansTheOutput() {
+        QFETCH(QString, written);
+        QFETCH(QString, returned);
+        QCOMPARE(execute("printf", written), returned);
+    }
+
+    void failedCommands() {
+        QString description;
+        QCOMPARE(
+            FileTestSupport::ErrorOf([&] { execute("slow", QStringLiteral("30")); }, &description),
+            ConnectionErrors::CommandTimedOut);
+        QVERIFY2(description.contains(QStringLiteral("\"30\" did not finish within 1 seconds")),
+                 qPrintable(description));
+        QCOMPARE(FileTestSupport::ErrorOf([&] { execute("missing", QStringLiteral("WHO")); },
+                                          &description),
+                 ConnectionErrors::CommandFailed);
+        QVERIFY2(description.contains(QStringLiteral("/no/such/qm")), qPrintable(description));
     }
 
     void localFiles() {

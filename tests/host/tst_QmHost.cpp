@@ -1,0 +1,146 @@
+#include "QmHostFixture.h"
+#include "TestEnv.h"
+
+#include "documents/BrowseModel.h"
+#include "documents/mvConnection.h"
+#include "documents/mvDocument.h"
+#include "documents/mvHost.h"
+#include "documents/mvResource.h"
+#include "language/ScintillaBuffer.h"
+
+// The connection layer against a real QM host: what Brix writes QM reads, what QM writes
+// Brix shows, commands come back whole, and QM's escaped item names mean the same on both
+// sides.
+class tst_QmHost : public QObject {
+    Q_OBJECT
+    QmHostFixture host;
+    int programs = 0;
+
+    static QString vm() { return QString(QChar(0xF8FD)); }
+    static QString sm() { return QString(QChar(0xF8FC)); }
+
+    // A QM program that READs the item and prints every byte's code, then each field,
+    // value and subvalue as "field.value.subvalue=text".
+    QByteArray dumpInQm(const QString& id) {
+        return host.RunProgram(QStringLiteral("DUMP%1").arg(++programs),
+                               "OPEN 'BP' TO F ELSE STOP 'NO FILE'\n"
+                               "READ R FROM F, \"" +
+                                   id.toLatin1() +
+                                   "\" ELSE STOP 'NO ITEM'\n"
+                                   "S = ''\n"
+                                   "FOR I = 1 TO LEN(R) ; S := ' ':SEQ(R[I,1]) ; NEXT I\n"
+                                   "CRT 'BYTES':S\n"
+                                   "FOR A = 1 TO DCOUNT(R, @FM)\n"
+                                   "  FOR V = 1 TO DCOUNT(R<A>, @VM)\n"
+                                   "    FOR T = 1 TO DCOUNT(R<A,V>, @SVM)\n"
+                                   "      CRT A:'.':V:'.':T:'=':R<A,V,T>\n"
+                                   "    NEXT T\n"
+                                   "  NEXT V\n"
+                                   "NEXT A\n"
+                                   "END\n");
+    }
+    static QByteArray codes(const QByteArray& bytes) {
+        QByteArray s = "BYTES";
+        for (char c : bytes)
+            s += ' ' + QByteArray::number(static_cast<unsigned char>(c));
+        return s;
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        QVERIFY2(host.Ready(), qPrintable(host.Error()));
+        host.UseProfile();
+        host.WriteItem(QStringLiteral("BP"), QStringLiteral("HELLO"), "CRT 'Hello'\nEND\n");
+    }
+
+    void browserListsTheAccount() {
+        BrowseModel m(QStringLiteral("Open"),
+                      mvConnection::Instance().GetResource(host.ItemPath(QStringLiteral("BP"), {}),
+                                                           true, false),
+                      {}, false, false);
+        QCOMPARE(m.Server(), QStringLiteral("qm"));
+        QCOMPARE(m.Accounts(), QStringList{host.Account()});
+        // VOC and the dictionaries are hashed files: no items to browse.
+        QVERIFY2(m.Files().contains(QStringLiteral("BP")), qPrintable(m.Files().join(',')));
+        QVERIFY(!m.Files().contains(QStringLiteral("VOC")));
+        QVERIFY(m.Items().contains(QStringLiteral("HELLO")));
+    }
+
+    // Brix writes the item; a QM program reads it back byte for byte.
+    void qmReadsWhatBrixWrote_data() {
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("parts");
+        QTest::newRow("marks") << QStringLiteral("MARKS")
+                               << QStringLiteral("a") + vm() + QStringLiteral("b") + sm() +
+                                      QStringLiteral("c\r\nd\u00e9")
+                               << QByteArray("a\xfd"
+                                             "b\xfc"
+                                             "c\xfe"
+                                             "d\xe9")
+                               << QByteArray("1.1.1=a\r\n1.2.1=b\r\n1.2.2=c\r\n2.1.1=d\xe9\r\n");
+        QTest::newRow("slash") << QStringLiteral("A/B") << QStringLiteral("x\r\ny")
+                               << QByteArray("x\xfey") << QByteArray("1.1.1=x\r\n2.1.1=y\r\n");
+        QTest::newRow("leading dot") << QStringLiteral(".DOT") << QStringLiteral("z")
+                                     << QByteArray("z") << QByteArray("1.1.1=z\r\n");
+        QTest::newRow("blank") << QStringLiteral("A B") << QStringLiteral("q") << QByteArray("q")
+                               << QByteArray("1.1.1=q\r\n");
+        QTest::newRow("tilde, percent, equals") << QStringLiteral("~P%Q=R") << QStringLiteral("t")
+                                                << QByteArray("t") << QByteArray("1.1.1=t\r\n");
+    }
+    void qmReadsWhatBrixWrote() {
+        QFETCH(QString, id);
+        QFETCH(QString, text);
+        QFETCH(QByteArray, bytes);
+        QFETCH(QByteArray, parts);
+        auto item = mvConnection::Instance().GetResource(host.ItemPath(QStringLiteral("BP"), id),
+                                                         false, false);
+        item->WriteText(text);
+        QCOMPARE(dumpInQm(id), codes(bytes) + "\r\n" + parts);
+    }
+
+    // QM writes the item; Brix lists it and opens it with its marks in the text.
+    void brixShowsWhatQmWrote_data() {
+        QTest::addColumn<QString>("id");
+        for (const char* id : {"QMARKS", "Q/S", ".QDOT", "Q B", "~Q%R=S"})
+            QTest::newRow(id) << QString::fromLatin1(id);
+    }
+    void brixShowsWhatQmWrote() {
+        QFETCH(QString, id);
+        QCOMPARE(host.RunProgram(QStringLiteral("WRITER%1").arg(++programs),
+                                 "OPEN 'BP' TO F ELSE STOP 'NO FILE'\n"
+                                 "WRITE 'a':@VM:'b':@SVM:'c':@FM:'d':CHAR(233) TO F, \"" +
+                                     id.toLatin1() + "\"\nCRT 'written'\nEND\n"),
+                 QByteArray("written\r\n"));
+        BrowseModel m(QStringLiteral("Open"), nullptr, {}, false, false);
+        m.SetAccount(host.Account());
+        m.SetFile(QStringLiteral("BP"));
+        QVERIFY2(m.Items().contains(id), qPrintable(m.Items().join(',')));
+        auto doc = mvDocument::Create();
+        QVERIFY(doc->FileOpen(host.ItemPath(QStringLiteral("BP"), id), true));
+        QCOMPARE(doc->Buffer()->AllText(), QStringLiteral("a\x1d"
+                                                          "b\x1c"
+                                                          "c\nd\u00e9\n"));
+        doc->FileClose(false);
+    }
+
+    // Far more than a screen of output comes back whole, without a pager's prompt or a
+    // terminal's control sequences, and in the account's folder.
+    void executeGivesTheWholeOutput() {
+        auto qm = mvConnection::Instance().HostFor(QStringLiteral("*"), host.Account());
+        const QString listing = qm->Execute(QStringLiteral("LIST VOC"));
+        const QStringList lines = listing.split(QStringLiteral("\r\n"));
+        QVERIFY2(lines.size() > 200, qPrintable(listing.left(2000)));
+        QVERIFY(listing.contains(QStringLiteral("record(s) listed")));
+        QVERIFY(!listing.contains(QLatin1Char('\x1b')));
+        QVERIFY(!listing.contains(QStringLiteral("Action (")));
+        QVERIFY(!listing.contains(QLatin1Char('\n')) ||
+                listing.count(QLatin1Char('\n')) == listing.count(QStringLiteral("\r\n")));
+        QCOMPARE(qm->Execute(QStringLiteral("WHO")).trimmed().section(QLatin1Char(' '), 1),
+                 host.Account());
+    }
+};
+
+BRIX_TEST_MAIN(tst_QmHost)
+#include "tst_QmHost.moc"
