@@ -3,6 +3,7 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
+#include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
@@ -58,6 +59,11 @@ bool Main(QApplication& app) {
         QApplication::setOverrideCursor(Qt::WaitCursor);
         frame->SetPaneText(1, QString());
 
+        // What a crashed run left is offered before anything else; not to an automation
+        // client.
+        if (state.Mode == ProcessState::StartMode::User)
+            modAutoRecover::ScanForRecoverableCopies(frame);
+
         // A user start with nothing to show opens an empty document to type into.
         if (state.Mode == ProcessState::StartMode::User && state.Documents->Count() == 0)
             frame->NewDocument();
@@ -90,6 +96,11 @@ void Shutdown() {
         return;
     state.ShutdownStarted = true;
 
+    try {
+        modAutoRecover::CleanExit();
+    } catch (const std::exception& error) {
+        ShowError(QString::fromLocal8Bit(error.what()));
+    }
     try {
         if (state.MainWindow && !state.MainWindow->IsUnloading())
             state.MainWindow->UnloadForm();
@@ -135,9 +146,11 @@ int RunBrix(int argc, char** argv) {
                      ? ProcessState::StartMode::Automation
                      : ProcessState::StartMode::User;
 
-    // Ending signals close the frame as the program would: no questions.
+    // Ending signals (a logout, a closed terminal, Ctrl+C) close the frame without
+    // questions; the changes go into recovery copies that the next start offers.
     UnixSignalWatcher signalWatcher({SIGTERM, SIGINT, SIGHUP});
     QObject::connect(&signalWatcher, &UnixSignalWatcher::Received, &app, [] {
+        modAutoRecover::FinalPass();
         ProcessState& s = ProcessState::Instance();
         if (s.MainWindow)
             s.MainWindow->UnloadForm();
