@@ -177,13 +177,17 @@ class tst_RecoveryCrash : public QObject {
     std::unique_ptr<DocumentFrame> frames;
     QTemporaryDir files;
 
+    // What the child said so far.
+    QByteArray said;
+
     void startChild(QProcess& child, quint32 seed) {
+        said.clear();
         child.setProgram(QCoreApplication::applicationFilePath());
         child.setArguments({QStringLiteral("--crash-child"), files.path(), QString::number(seed)});
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         child.start();
         QVERIFY(child.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(child.readAllStandardOutput().contains("READY") ||
+        QTRY_VERIFY_WITH_TIMEOUT((said += child.readAllStandardOutput()).contains("READY") ||
                                      child.state() == QProcess::NotRunning,
                                  60000);
         QVERIFY(child.state() == QProcess::Running);
@@ -233,11 +237,13 @@ private slots:
         QTest::qWait(waitMs);
         ::kill(static_cast<pid_t>(child.processId()), SIGKILL);
         QVERIFY(child.waitForFinished(30000));
-        const ChildLog log = parseLog(child.readAllStandardOutput());
+        const ChildLog log = parseLog(said + child.readAllStandardOutput());
 
         int rows = 0;
         const DocumentHashes recovered = recoverThroughDialog(frames->Frame(), rows);
         QCOMPARE(rows, static_cast<int>(recovered.size()));
+        qInfo("killed at state %d, last finished pass at %d, %d copies back", log.lastState,
+              log.lastPassed, rows);
         for (const auto& [id, hash] : recovered) {
             // From some state the child reported, never a mixture.
             std::set<int> matches;
@@ -280,7 +286,7 @@ private slots:
         QCOMPARE(child.exitStatus(), QProcess::NormalExit);
         QCOMPARE(child.exitCode(), 0);
         QVERIFY(QFileInfo::exists(settingsFile));
-        const ChildLog log = parseLog(child.readAllStandardOutput());
+        const ChildLog log = parseLog(said + child.readAllStandardOutput());
         QVERIFY(log.lastState > 0);
 
         int rows = 0;
