@@ -63,6 +63,11 @@ bool Main(QApplication& app) {
         // client.
         if (state.Mode == ProcessState::StartMode::User)
             modAutoRecover::ScanForRecoverableCopies(frame);
+        // A signal while the dialog was up has ended the program already.
+        if (state.ShutdownStarted) {
+            QApplication::restoreOverrideCursor();
+            return true;
+        }
 
         // A user start with nothing to show opens an empty document to type into.
         if (state.Mode == ProcessState::StartMode::User && state.Documents->Count() == 0)
@@ -160,6 +165,8 @@ int RunBrix(int argc, char** argv) {
 
     if (!Main(app))
         return 1;
+    if (state.ShutdownStarted)
+        return 0;
     const int code = app.exec();
     Shutdown();
     return code;

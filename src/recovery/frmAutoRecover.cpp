@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QLocale>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -99,8 +100,12 @@ void frmAutoRecover::ShowDialog(const QString& folder, const QStringList& names,
         // The start-up's wait pointer does not stand over a question to the user.
         QApplication::setOverrideCursor(Qt::ArrowCursor);
         centreOn(owner ? owner : parentWidget());
+        // The program may end while the dialog is up (a signal): the owner takes it along.
+        const QPointer<frmAutoRecover> alive(this);
         exec();
         QApplication::restoreOverrideCursor();
+        if (!alive)
+            return;
         if (result_ == RecoverResult)
             recover();
         else if (result_ == DeleteResult)

@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPointer>
 #include <QStandardPaths>
 #include <map>
 #include <sys/stat.h>
@@ -247,8 +248,10 @@ void modAutoRecover::ScanForRecoverableCopies(QWidget* owner) {
     const QStringList orphans = RecoverableCopies();
     if (orphans.isEmpty())
         return;
-    frmAutoRecover dialog(owner);
-    dialog.ShowDialog(store().folder, orphans, owner);
+    // Owned by the owner as well: ending the program under the dialog deletes it.
+    const QPointer<frmAutoRecover> dialog = new frmAutoRecover(owner);
+    dialog->ShowDialog(store().folder, orphans, owner);
+    delete dialog;
 }
 
 bool modAutoRecover::RecoverCopy(const QString& path) {

@@ -293,6 +293,27 @@ private slots:
         const DocumentHashes recovered = recoverThroughDialog(frames->Frame(), rows);
         QCOMPARE(recovered, log.states.at(log.lastState));
     }
+
+    // A logout while the start-up still shows the recovery dialog ends the program too, and
+    // the copies offered stay for the next start.
+    void signalWhileDialogUp() {
+        QProcess gone;
+        gone.start(QStringLiteral("/bin/true"), {});
+        QVERIFY(gone.waitForFinished());
+        const QString orphan =
+            QStringLiteral("%1.001").arg(gone.processId(), 8, 16, QLatin1Char('0')).toUpper();
+        QVERIFY(modAutoRecover::ResolveFolder(true));
+        QFile file(modAutoRecover::Folder() + QLatin1Char('/') + orphan);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("LOST\r\nX\n");
+        file.close();
+        QProcess child;
+        startChild(child, 3);
+        ::kill(static_cast<pid_t>(child.processId()), SIGTERM);
+        QVERIFY(child.waitForFinished(60000));
+        QCOMPARE(child.exitCode(), 0);
+        QVERIFY(modAutoRecover::RecoverableCopies().contains(orphan));
+    }
 };
 
 int main(int argc, char** argv) {
