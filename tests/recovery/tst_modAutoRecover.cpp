@@ -162,6 +162,17 @@ private slots:
                                         QStringLiteral("*---> Recovered document: \n") + held));
     }
 
+    // A write that can't finish leaves the copy before it whole.
+    void failedWriteKeepsTheCopy() {
+        QVERIFY(modAutoRecover::ResolveFolder(true));
+        const QString path = storeFolder() + QStringLiteral("/00000001.001");
+        QVERIFY(RecoveryCopy::Write(path, QStringLiteral("ID"), "old\n", 4));
+        QVERIFY(QDir().mkdir(storeFolder() + QLatin1Char('/') +
+                             RecoveryCopy::PartialName(QStringLiteral("00000001.001"))));
+        QVERIFY(!RecoveryCopy::Write(path, QStringLiteral("ID"), "new\n", 4));
+        QCOMPARE(RecoveryCopy::Read(path)->Body, QByteArray("old\n"));
+    }
+
     void unchangedDocumentsGetNoCopy() {
         // A first start creates no folder until a pass runs.
         QVERIFY(!modAutoRecover::ResolveFolder(false));
