@@ -290,12 +290,12 @@ private slots:
         QCOMPARE(child.exitStatus(), QProcess::NormalExit);
         QCOMPARE(child.exitCode(), 0);
         QVERIFY(QFileInfo::exists(settingsFile));
-        const ChildLog log = parseLog(said + child.readAllStandardOutput());
+        ChildLog log = parseLog(said + child.readAllStandardOutput());
 
         int rows = 0;
         DocumentHashes recovered = recoverThroughDialog(frames->Frame(), rows);
         QCOMPARE(recovered.erase(QStringLiteral("LOST")), size_t(dialogUp));
-        QCOMPARE(recovered, log.states.at(log.lastState));
+        QCOMPARE(recovered, log.states[log.lastState]);
     }
 };
 
