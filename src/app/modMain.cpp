@@ -3,6 +3,7 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
+#include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
@@ -58,6 +59,16 @@ bool Main(QApplication& app) {
         QApplication::setOverrideCursor(Qt::WaitCursor);
         frame->SetPaneText(1, QString());
 
+        // What a crashed run left is offered before anything else; not to an automation
+        // client.
+        if (state.Mode == ProcessState::StartMode::User)
+            modAutoRecover::ScanForRecoverableCopies(frame);
+        // A signal while the dialog was up has ended the program already.
+        if (state.ShutdownStarted) {
+            QApplication::restoreOverrideCursor();
+            return true;
+        }
+
         // A user start with nothing to show opens an empty document to type into.
         if (state.Mode == ProcessState::StartMode::User && state.Documents->Count() == 0)
             frame->NewDocument();
@@ -90,6 +101,11 @@ void Shutdown() {
         return;
     state.ShutdownStarted = true;
 
+    try {
+        modAutoRecover::CleanExit();
+    } catch (const std::exception& error) {
+        ShowError(QString::fromLocal8Bit(error.what()));
+    }
     try {
         if (state.MainWindow && !state.MainWindow->IsUnloading())
             state.MainWindow->UnloadForm();
@@ -135,9 +151,11 @@ int RunBrix(int argc, char** argv) {
                      ? ProcessState::StartMode::Automation
                      : ProcessState::StartMode::User;
 
-    // Ending signals close the frame as the program would: no questions.
+    // Ending signals (a logout, a closed terminal, Ctrl+C) close the frame without
+    // questions; the changes go into recovery copies that the next start offers.
     UnixSignalWatcher signalWatcher({SIGTERM, SIGINT, SIGHUP});
     QObject::connect(&signalWatcher, &UnixSignalWatcher::Received, &app, [] {
+        modAutoRecover::FinalPass();
         ProcessState& s = ProcessState::Instance();
         if (s.MainWindow)
             s.MainWindow->UnloadForm();
@@ -147,6 +165,8 @@ int RunBrix(int argc, char** argv) {
 
     if (!Main(app))
         return 1;
+    if (state.ShutdownStarted)
+        return 0;
     const int code = app.exec();
     Shutdown();
     return code;

@@ -102,7 +102,9 @@ void frmDocument::Load() {
             });
     txtText_->installEventFilter(this);
     txtText_->viewport()->installEventFilter(this);
-    connect(&txtText_->Buffer(), &ScintillaBuffer::ModifiedChanged, this, [this] {
+    connect(&txtText_->Buffer(), &ScintillaBuffer::ModifiedChanged, this, [this](bool modified) {
+        // The auto-recover pass copies the documents that hold changes.
+        autoSaveFlag_ = modified;
         if (frame())
             frame()->RefreshCommands();
     });

@@ -324,11 +324,12 @@ void frmMain::RebuildFileMenu() {
     const clsRecentList* recent = state.Settings ? state.Settings->RecentList.get() : nullptr;
     if (!recent)
         return;
+    // One host operation for the whole list, so copies are written once.
+    const modAutoRecover::Suspension hostCalls;
     for (int16_t i = 1; i <= recent->ListCount(); ++i) {
         const QString path = recent->ListItem(i);
         QString name = path;
         try {
-            const modAutoRecover::Suspension hostCall;
             if (auto resource = mvConnection::Instance().GetResource(path, true, false))
                 name = resource->DisplayID();
         } catch (const std::exception&) {

@@ -1,0 +1,316 @@
+#include "DocumentFrame.h"
+#include "TestEnv.h"
+#include "app/ProcessState.h"
+#include "app/modMain.h"
+#include "documents/DocumentCollection.h"
+#include "documents/mvConnection.h"
+#include "documents/mvDocument.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "recovery/frmAutoRecover.h"
+#include "recovery/modAutoRecover.h"
+#include "shell/frmMain.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QListWidget>
+#include <QProcess>
+#include <QPushButton>
+#include <QRandomGenerator>
+#include <QStandardPaths>
+#include <QTimer>
+#include <QtTest>
+#include <csignal>
+#include <map>
+#include <unistd.h>
+
+namespace {
+
+// Child side: the program as a user starts it, driven by a timer that edits and ticks.
+QString g_childFolder;
+quint32 g_childSeed = 0;
+
+QByteArray hashOf(const QString& text) {
+    return QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha1).toHex();
+}
+
+void say(const QByteArray& line) {
+    const QByteArray out = line + '\n';
+    [[maybe_unused]] const ssize_t n = ::write(1, out.constData(), static_cast<size_t>(out.size()));
+}
+
+void editOnce(QRandomGenerator& random, mvDocument& document) {
+    static const QStringList pieces{
+        QStringLiteral("\t"),        QStringLiteral("\x1d"),        QStringLiteral("\x1c"),
+        QStringLiteral("caf\u00e9"), QStringLiteral("\U0001F600"),  QStringLiteral("a\u0301"),
+        QStringLiteral("X = 1"),     QStringLiteral("\r\n"),        QStringLiteral("\n"),
+        QStringLiteral(" "),         QStringLiteral("\u65e5\u672c")};
+    ScintillaBuffer& buffer = *document.Buffer();
+    const int32_t line = static_cast<int32_t>(random.bounded(quint32(buffer.NumLines())));
+    auto pick = [&] { return pieces.at(static_cast<int>(random.bounded(quint32(pieces.size())))); };
+    switch (random.bounded(3)) {
+    case 0: {
+        QString text;
+        for (int i = random.bounded(1, 6); i > 0; --i)
+            text += pick();
+        int32_t column = 0, endLine = 0;
+        buffer.InsertText(0, line, text, 0, column, endLine);
+        break;
+    }
+    case 1:
+        if (line + 1 < buffer.NumLines())
+            buffer.DeleteText(0, line, 0, line + 1);
+        break;
+    default:
+        // An undoable operation, as the editing commands make them.
+        document.Editor()->SetCursor(0, line);
+        document.ReplaceSelection(pick());
+    }
+}
+
+void startChild() {
+    if (g_childFolder.isEmpty())
+        return;
+    QTimer::singleShot(0, [] {
+        static QRandomGenerator random(g_childSeed);
+        ProcessState& state = ProcessState::Instance();
+        for (const char* name : {"A", "B", "C"}) {
+            auto document = mvDocument::Create();
+            document->FileOpen(mvConnection::Instance().MakeFilePath(
+                                   {}, {}, g_childFolder + QLatin1Char('/') + QLatin1String(name)),
+                               false);
+        }
+        say("READY");
+        auto* timer = new QTimer(state.MainWindow);
+        QObject::connect(timer, &QTimer::timeout, [timer] {
+            static int step = 0;
+            ProcessState& s = ProcessState::Instance();
+            if (!s.MainWindow || !s.Documents) {
+                timer->stop();
+                return;
+            }
+            ++step;
+            QByteArray line = "STATE " + QByteArray::number(step);
+            for (const auto& document : s.Documents->Snapshot()) {
+                // C stays as it was read.
+                if (document->ItemID() != QLatin1String("C") && random.bounded(3) != 0)
+                    editOnce(random, *document);
+                if (document->AutoSaveFlag())
+                    line += ' ' + document->ItemID().toUtf8() + '=' +
+                            hashOf(document->Buffer()->AllText());
+            }
+            say(line);
+            s.MainWindow->AutoSaveTimerTick();
+            if (s.MainWindow->AutoSaveTicks == 0)
+                say("PASSED " + QByteArray::number(step));
+        });
+        timer->start(5);
+    });
+}
+Q_COREAPP_STARTUP_FUNCTION(startChild)
+
+// Parent side.
+using DocumentHashes = std::map<QString, QByteArray>;
+
+struct ChildLog {
+    std::map<int, DocumentHashes> states;
+    int lastPassed = 0;
+    int lastState = 0;
+};
+
+// Each line is one write, so a kill leaves whole lines only.
+ChildLog parseLog(const QByteArray& out) {
+    ChildLog log;
+    for (const QByteArray& line : out.split('\n')) {
+        const QList<QByteArray> words = line.split(' ');
+        if (words.size() >= 2 && words.at(0) == "PASSED")
+            log.lastPassed = words.at(1).toInt();
+        if (words.size() < 2 || words.at(0) != "STATE")
+            continue;
+        log.lastState = words.at(1).toInt();
+        DocumentHashes& state = log.states[log.lastState];
+        for (qsizetype i = 2; i < words.size(); ++i) {
+            const qsizetype eq = words.at(i).indexOf('=');
+            state[QString::fromUtf8(words.at(i).left(eq))] = words.at(i).mid(eq + 1);
+        }
+    }
+    return log;
+}
+
+// What the recovery dialog brings back: item id to the hash of the text behind the marker.
+DocumentHashes recoverThroughDialog(QWidget* owner, int& rows) {
+    rows = 0;
+    QTimer driver;
+    QObject::connect(&driver, &QTimer::timeout, [&rows] {
+        auto* dialog = qobject_cast<frmAutoRecover*>(QApplication::activeModalWidget());
+        if (!dialog || !dialog->isVisible())
+            return;
+        rows = dialog->lstDocuments()->count();
+        dialog->findChild<QPushButton*>(QStringLiteral("cmdSelect"))->click();
+        dialog->findChild<QPushButton*>(QStringLiteral("cmdRecover"))->click();
+    });
+    driver.start(10);
+    modAutoRecover::ScanForRecoverableCopies(owner);
+    DocumentHashes recovered;
+    const QString marker = QStringLiteral("*---> Recovered document: ");
+    for (const auto& document : ProcessState::Instance().Documents->Snapshot()) {
+        const QString text = document->Buffer()->AllText();
+        const qsizetype end = text.indexOf(QLatin1Char('\n'));
+        if (!text.startsWith(marker) || end < 0)
+            continue;
+        recovered[text.mid(marker.size(), end - marker.size())] = hashOf(text.mid(end + 1));
+    }
+    return recovered;
+}
+
+} // namespace
+
+class tst_RecoveryCrash : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<DocumentFrame> frames;
+    QTemporaryDir files;
+
+    // What the child said so far.
+    QByteArray said;
+
+    void startChild(QProcess& child, quint32 seed) {
+        said.clear();
+        child.setProgram(QCoreApplication::applicationFilePath());
+        child.setArguments({QStringLiteral("--crash-child"), files.path(), QString::number(seed)});
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start();
+        QVERIFY(child.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT((said += child.readAllStandardOutput()).contains("READY") ||
+                                     child.state() == QProcess::NotRunning,
+                                 60000);
+        QVERIFY(child.state() == QProcess::Running);
+    }
+
+private slots:
+    void initTestCase() {
+        frames = std::make_unique<DocumentFrame>();
+        auto write = [this](const char* name, const QByteArray& bytes) {
+            QFile file(files.filePath(QLatin1String(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(bytes);
+        };
+        write("A", "* A\n\tCRT \"caf\xc3\xa9\"\nEND\n");
+        write("B", "* B\r\nX = 1\r\nEND");
+        write("C", "* C\nEND\n");
+    }
+    void cleanupTestCase() { frames.reset(); }
+    void init() {
+        QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+             QStringLiteral("/Tolvek/Brix/AutoRecover"))
+            .removeRecursively();
+        modAutoRecover::Reset();
+    }
+    void cleanup() {
+        DocumentFrame::CloseAll();
+        modAutoRecover::DeleteCopies(false);
+        modAutoRecover::Reset();
+    }
+
+    // Killed outright: every document changed by the last finished pass comes back as it
+    // stood at that pass or later, and nothing comes back half written.
+    void killedAtRandom_data() {
+        QTest::addColumn<quint32>("seed");
+        QTest::addColumn<int>("waitMs");
+        for (int round = 0; round < 4; ++round) {
+            const quint32 seed = QRandomGenerator::global()->generate();
+            const int waitMs = static_cast<int>(QRandomGenerator::global()->bounded(50, 900));
+            QTest::addRow("seed %u after %d ms", seed, waitMs) << seed << waitMs;
+        }
+    }
+    void killedAtRandom() {
+        QFETCH(quint32, seed);
+        QFETCH(int, waitMs);
+        QProcess child;
+        startChild(child, seed);
+        QTest::qWait(waitMs);
+        ::kill(static_cast<pid_t>(child.processId()), SIGKILL);
+        QVERIFY(child.waitForFinished(30000));
+        const ChildLog log = parseLog(said + child.readAllStandardOutput());
+
+        int rows = 0;
+        const DocumentHashes recovered = recoverThroughDialog(frames->Frame(), rows);
+        QCOMPARE(rows, static_cast<int>(recovered.size()));
+        qInfo("killed at state %d, last finished pass at %d, %d copies back", log.lastState,
+              log.lastPassed, rows);
+        // The latest state a copy shows; 0 for none (a mixture, or half written).
+        auto stateOf = [&log](const QString& id, const QByteArray& hash) {
+            int at = 0;
+            for (const auto& [step, state] : log.states)
+                if (state.count(id) && state.at(id) == hash)
+                    at = step;
+            return at;
+        };
+        for (const auto& [id, hash] : recovered)
+            QVERIFY2(stateOf(id, hash) > 0, qPrintable(id));
+        if (log.lastPassed > 0)
+            for (const auto& [id, hash] : log.states.at(log.lastPassed))
+                QVERIFY2(recovered.count(id) && stateOf(id, recovered.at(id)) >= log.lastPassed,
+                         qPrintable(id));
+        QVERIFY(!recovered.count(QStringLiteral("C")));
+    }
+
+    // A logout or Ctrl+C, also while the start-up dialog is up: one last pass, settings
+    // saved, and the copies kept, the ones offered as well.
+    void endedBySignal_data() {
+        QTest::addColumn<int>("signal");
+        QTest::addColumn<bool>("dialogUp");
+        QTest::newRow("SIGTERM") << int(SIGTERM) << false;
+        QTest::newRow("SIGHUP") << int(SIGHUP) << false;
+        QTest::newRow("SIGINT") << int(SIGINT) << false;
+        QTest::newRow("SIGTERM under the dialog") << int(SIGTERM) << true;
+    }
+    void endedBySignal() {
+        QFETCH(int, signal);
+        QFETCH(bool, dialogUp);
+        const QString settingsFile =
+            QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+            QStringLiteral("/Tolvek/MultiValue Editor.conf");
+        QFile::remove(settingsFile);
+        if (dialogUp) {
+            QProcess gone;
+            gone.start(QStringLiteral("/bin/true"), {});
+            QVERIFY(gone.waitForFinished());
+            QVERIFY(modAutoRecover::ResolveFolder(true));
+            QFile file(modAutoRecover::Folder() +
+                       QStringLiteral("/%1.001").arg(gone.processId(), 8, 16, QLatin1Char('0')));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("LOST\r\nX\n");
+        }
+        QProcess child;
+        startChild(child, 7);
+        QTest::qWait(150);
+        ::kill(static_cast<pid_t>(child.processId()), signal);
+        QVERIFY(child.waitForFinished(60000));
+        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(child.exitCode(), 0);
+        QVERIFY(QFileInfo::exists(settingsFile));
+        ChildLog log = parseLog(said + child.readAllStandardOutput());
+
+        int rows = 0;
+        DocumentHashes recovered = recoverThroughDialog(frames->Frame(), rows);
+        QCOMPARE(recovered.erase(QStringLiteral("LOST")), size_t(dialogUp));
+        QCOMPARE(recovered, log.states[log.lastState]);
+    }
+};
+
+int main(int argc, char** argv) {
+    if (argc == 4 && qstrcmp(argv[1], "--crash-child") == 0) {
+        // HOME and the data folders are the parent's, so both see one store.
+        QStandardPaths::setTestModeEnabled(true);
+        g_childFolder = QString::fromLocal8Bit(argv[2]);
+        g_childSeed = static_cast<quint32>(QByteArray(argv[3]).toULongLong());
+        int childArgc = 1;
+        return RunBrix(childArgc, argv);
+    }
+    TestEnv::Init();
+    QApplication app(argc, argv);
+    tst_RecoveryCrash tc;
+    return QTest::qExec(&tc, argc, argv);
+}
+#include "tst_RecoveryCrash.moc"
