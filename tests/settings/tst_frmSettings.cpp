@@ -15,6 +15,7 @@
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QFontDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QTabWidget>
@@ -109,8 +110,8 @@ private Q_SLOTS:
                                      << "-";
         QTest::newRow("positive") << "12"
                                   << "12";
-        QTest::newRow("hex negative") << "&HFFFFFFFF&"
-                                      << "0";
+        QTest::newRow("blank first") << " -7"
+                                     << "0";
     }
     void numberFieldsNeverGoBelowZero() {
         QFETCH(QString, typed);

@@ -13,6 +13,7 @@
 #include "shell/CommandDispatcher.h"
 #include "shell/frmMain.h"
 
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QTabWidget>
 #include <QToolBar>
