@@ -130,6 +130,8 @@ void frmKeywords::build() {
     connect(buttons, &QDialogButtonBox::accepted, this, &frmKeywords::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &frmKeywords::reject);
     frBeginBlock_->setEnabled(false);
+    // Enter adds the word typed; OK is a click away.
+    cmdAdd_->setDefault(true);
 }
 
 void frmKeywords::refreshList() {

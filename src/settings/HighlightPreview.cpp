@@ -2,6 +2,7 @@
 
 #include "language/BufferLexer.h"
 #include "language/LexClass.h"
+#include "language/LineNumberGutter.h"
 #include "language/ScintillaBuffer.h"
 #include "language/TokenStyleTable.h"
 #include "language/clsKeyword.h"
@@ -20,6 +21,7 @@ HighlightPreview::HighlightPreview(QWidget* parent)
     Buffer().SetLex(lex_);
     setFocusPolicy(Qt::NoFocus);
     setCaretWidth(0);
+    Gutter().SetMode(LineNumberGutter::ModeNone);
     SendScintilla(SCI_SETHSCROLLBAR, 0);
 }
 
@@ -30,7 +32,7 @@ QString HighlightPreview::SampleText(const QString& userWord) {
                           "      GOSUB READ.ORDER\n"
                           "      TOTAL = 0\n"
                           "      FOR I = 1 TO LINES\n"
-                          "         IF QTY(I) > 0 THEN TOTAL += QTY(I) * PRICE(I)\n"
+                          "         IF QTY(I) > 0 THEN TOTAL += QTY(I)\n"
                           "      NEXT I\n"
                           "      %1 \"Total: \":TOTAL ; ! in the log\n"
                           "      STOP\n"
