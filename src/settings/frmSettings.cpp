@@ -314,10 +314,12 @@ void frmSettings::fill() {
 
 void frmSettings::showFont() {
     const Moriox& copy = copy_.Copy();
-    lblFontName_->setText(copy.FontName);
+    // An empty name stands for the default font, as the editor reads it.
+    const QString name = copy.FontName.isEmpty() ? Moriox::DefaultFontName() : copy.FontName;
+    lblFontName_->setText(name);
     lblFontSize_->setText(copy.FontSize + QStringLiteral(" pt"));
     QFont shown = lblFontName_->font();
-    shown.setFamily(copy.FontName);
+    shown.setFamily(name);
     lblFontName_->setFont(shown);
 }
 
