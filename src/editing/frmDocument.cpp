@@ -112,19 +112,13 @@ void frmDocument::Load() {
 
 void frmDocument::ApplySettings() {
     const Moriox& settings = Settings();
-    QFont font = txtText_->Lexer().defaultFont();
-    if (!settings.FontName.isEmpty())
-        font.setFamily(settings.FontName);
-    bool ok = false;
-    const int size = settings.FontSize.toInt(&ok);
-    if (ok && size > 0)
-        font.setPointSize(size);
-    font.setFixedPitch(settings.FontMono);
+    const QFont font = TokenStyleTable::FontOf(settings, txtText_->Lexer().defaultFont());
     txtText_->SetTabSize(settings.TabSize);
     txtText_->SetLineWrap(settings.LineWrap);
     screenStyles_ = TokenStyleTable::ForScreen(settings);
     printStyles_ = TokenStyleTable::ForPrinter(settings);
     screenStyles_.ApplyTo(*txtText_, font, settings.BackColor);
+    txtText_->SetMargin(settings.Margin);
     txtText_->Gutter().Relayout();
 }
 

@@ -11,6 +11,7 @@
 #include <QContextMenuEvent>
 #include <QFontDatabase>
 #include <QKeyEvent>
+#include <algorithm>
 
 SourceView::SourceView(QWidget* parent)
     : QsciScintilla(parent), buffer_(std::make_unique<ScintillaBuffer>(*this)) {
@@ -136,6 +137,22 @@ bool SourceView::LineWrap() const {
 
 void SourceView::SetLineWrap(bool wrap) {
     SendScintilla(SCI_SETWRAPMODE, wrap ? SC_WRAP_WORD : SC_WRAP_NONE);
+}
+
+void SourceView::SetMargin(int32_t column) {
+    margin_ = std::max(column, 0);
+    if (margin_ == 0) {
+        setEdgeMode(EdgeNone);
+        return;
+    }
+    // Faint on the paper of the moment: a guide, not a rule.
+    const QColor paper = lexer_->defaultPaper();
+    const QColor ink = lexer_->defaultColor();
+    const auto mix = [](int p, int i) { return (4 * p + i) / 5; };
+    setEdgeColor(QColor(mix(paper.red(), ink.red()), mix(paper.green(), ink.green()),
+                        mix(paper.blue(), ink.blue())));
+    setEdgeColumn(margin_);
+    setEdgeMode(EdgeLine);
 }
 
 bool SourceView::OvertypeMode() const {

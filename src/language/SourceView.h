@@ -35,6 +35,9 @@ public:
     bool LineWrap() const;
     void SetLineWrap(bool wrap);
     bool OvertypeMode() const;
+    // The column where code of level 0 starts; a faint guide marks it, none for 0.
+    int32_t Margin() const { return margin_; }
+    void SetMargin(int32_t column);
 
     // The text position under a point of the viewport (columns may be past the line end
     // when the point is).
@@ -85,4 +88,5 @@ private:
     QList<QKeyCombination> commandKeys_;
     BufferLexer* lexer_ = nullptr;
     LineNumberGutter* gutter_ = nullptr;
+    int32_t margin_ = 0;
 };

@@ -57,6 +57,18 @@ TokenStyleTable::Entry TokenStyleTable::Get(int32_t kind) const {
     return {kind, 0, 0};
 }
 
+QFont TokenStyleTable::FontOf(const Moriox& settings, const QFont& base) {
+    QFont font = base;
+    if (!settings.FontName.isEmpty())
+        font.setFamily(settings.FontName);
+    bool ok = false;
+    const int size = settings.FontSize.toInt(&ok);
+    if (ok && size > 0)
+        font.setPointSize(size);
+    font.setFixedPitch(settings.FontMono);
+    return font;
+}
+
 QFont TokenStyleTable::StyledFont(const QFont& font, int16_t style) {
     QFont styled = font;
     styled.setBold(style & StyleBold);

@@ -36,6 +36,8 @@ public:
     // `backColor`. Lines are coloured again lazily.
     void ApplyTo(SourceView& view, const QFont& font, int32_t backColor) const;
 
+    // The editor font the settings ask for, built on `base`: name, size and fixed pitch.
+    static QFont FontOf(const Moriox& settings, const QFont& base);
     // `font` with the bold and italic bits of a style.
     static QFont StyledFont(const QFont& font, int16_t style);
 

@@ -9,6 +9,7 @@
 #include "shell/CommandBar.h"
 #include "shell/DocumentTabs.h"
 #include "shell/EditCommands.h"
+#include "shell/SettingsCommand.h"
 #include "shell/frmAbout.h"
 #include "shell/frmMain.h"
 #include "support/ShowError.h"
@@ -59,9 +60,9 @@ const CommandDispatcher::Entry CommandDispatcher::Table[] = {
     {"Format", &CommandDispatcher::format},
     {"Compile", nullptr},
     {"ToggleCase", &CommandDispatcher::toggleCase},
-    {"OptGeneral", nullptr},
-    {"OptHighlight", nullptr},
-    {"OptTools", nullptr},
+    {"OptGeneral", &CommandDispatcher::optGeneral},
+    {"OptHighlight", &CommandDispatcher::optHighlight},
+    {"OptTools", &CommandDispatcher::optTools},
     {"TileHorizontal", &CommandDispatcher::tileHorizontal},
     {"TileVertical", &CommandDispatcher::tileVertical},
     {"Cascade", &CommandDispatcher::cascade},
@@ -300,4 +301,16 @@ void CommandDispatcher::format(bool) {
 
 void CommandDispatcher::toggleCase(bool) {
     EditCommands::ToggleCase(active());
+}
+
+void CommandDispatcher::optGeneral(bool) {
+    SettingsCommand::Run(frame_, 1);
+}
+
+void CommandDispatcher::optHighlight(bool) {
+    SettingsCommand::Run(frame_, 2);
+}
+
+void CommandDispatcher::optTools(bool) {
+    SettingsCommand::Run(frame_, 3);
 }

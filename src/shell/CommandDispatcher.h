@@ -67,6 +67,9 @@ private:
     void tileVertical(bool);
     void cascade(bool);
     void maximize(bool);
+    void optGeneral(bool);
+    void optHighlight(bool);
+    void optTools(bool);
     void about(bool);
     void tabActivate(bool);
     void tabClose(bool);

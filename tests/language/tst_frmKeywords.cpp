@@ -1,0 +1,228 @@
+#include "BoxAnswers.h"
+#include "TestEnv.h"
+
+#include "language/KeywordCheck.h"
+#include "language/clsKeyword.h"
+#include "language/clsKeywords.h"
+#include "language/frmKeywords.h"
+#include "support/MsgBoxEx.h"
+
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QRadioButton>
+
+// The keyword editor on a real table: its checks and their messages, the block options,
+// and lists through files with their repair questions.
+class tst_frmKeywords : public QObject {
+    Q_OBJECT
+    QTemporaryDir dir;
+
+    static QStringList shown(const frmKeywords& form) {
+        QStringList items;
+        const auto* list = form.findChild<QListWidget*>(QStringLiteral("lstKeywords"));
+        for (int i = 0; i < list->count(); ++i)
+            items << list->item(i)->text();
+        return items;
+    }
+    static void type(frmKeywords& form, const QString& word) {
+        form.findChild<QLineEdit*>(QStringLiteral("txtKeyword"))->setText(word);
+    }
+    static void pick(frmKeywords& form, const char* option) {
+        form.findChild<QRadioButton*>(QLatin1String(option))->click();
+    }
+    QString write(const QByteArray& bytes) {
+        const QString path = dir.filePath(QStringLiteral("list.txt"));
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            return QString();
+        file.write(bytes);
+        return path;
+    }
+
+private Q_SLOTS:
+    void check_data() {
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<bool>("valid");
+        QTest::addColumn<QString>("corrected");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("clean") << "PRINT.ERR" << true << "PRINT.ERR"
+                               << "";
+        QTest::newRow("blank") << "A B" << false << "AB"
+                               << "blank";
+        QTest::newRow("open paren") << "F(X" << false << "FX"
+                                    << "parentheses";
+        QTest::newRow("close paren") << "FX)" << false << "FX"
+                                     << "parentheses";
+        QTest::newRow("last named") << "A,B;C D" << false << "ABCD"
+                                    << "blank";
+        QTest::newRow("semicolon last") << "A B;" << false << "AB"
+                                        << "semicolon";
+    }
+    void check() {
+        QFETCH(QString, word);
+        QFETCH(bool, valid);
+        QFETCH(QString, corrected);
+        QFETCH(QString, name);
+        QString outCorrected;
+        QString outName;
+        QCOMPARE(KeywordCheck::Check(word, outCorrected, outName), valid);
+        QCOMPARE(outCorrected, corrected);
+        QCOMPARE(outName, name);
+    }
+
+    void suspects() {
+        clsKeywords table;
+        QCOMPARE(KeywordCheck::Suspects(QStringLiteral("@MY_%X"), table), QString());
+        // "@" is a word character of the table from the start, so it passes anywhere.
+        QCOMPARE(KeywordCheck::Suspects(QStringLiteral("A@$1"), table), QStringLiteral("'$' '1'"));
+        table.SetKeywordList(4, QStringLiteral(" "), QStringLiteral("$OLD"));
+        QCOMPARE(KeywordCheck::Suspects(QStringLiteral("$NEW"), table), QString());
+    }
+
+    // Add: the refusal, the question about odd characters, and the block options.
+    void add_data() {
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QStringList>("messages");
+        QTest::addColumn<QString>("listed");
+        const QString refusal = "Keyword may not contain a blank, comma, semicolon or parenthesis!";
+        const QString question = "Keyword '$X#' may contain an invalid character: '$' '#'\n"
+                                 "Are you sure you want to add this keyword?";
+        QTest::newRow("plain") << "  LOGMSG "
+                               << "optNone" << 0 << QStringList() << "LOGMSG";
+        QTest::newRow("closes") << "ENDLOG"
+                                << "optEnd" << 0 << QStringList() << "ENDLOG-";
+        QTest::newRow("middle") << "ORLOG"
+                                << "optMid" << 0 << QStringList() << "ORLOG=";
+        QTest::newRow("opens") << "OPENLOG"
+                               << "optAny" << 0 << QStringList() << "OPENLOG+";
+        QTest::newRow("opens first") << "WITH"
+                                     << "optFirst" << 0 << QStringList() << "WITH[";
+        QTest::newRow("opens last") << "DOIT"
+                                    << "optLast" << 0 << QStringList() << "DOIT]";
+        QTest::newRow("refused") << "A B"
+                                 << "optNone" << 0 << QStringList{refusal} << "";
+        QTest::newRow("asked yes")
+            << "$X#"
+            << "optNone" << int(MsgBox::Yes) << QStringList{question} << "$X#";
+        QTest::newRow("asked no") << "$X#"
+                                  << "optNone" << int(MsgBox::No) << QStringList{question} << "";
+        QTest::newRow("empty") << "   "
+                               << "optNone" << 0 << QStringList() << "";
+    }
+    void add() {
+        QFETCH(QString, word);
+        QFETCH(QString, option);
+        QFETCH(int, answer);
+        QFETCH(QStringList, messages);
+        QFETCH(QString, listed);
+        BoxAnswers answers;
+        if (answer)
+            answers.Push(answer);
+        clsKeywords table;
+        frmKeywords form(table, 4, QStringLiteral("Define User Keywords"));
+        QCOMPARE(form.windowTitle(), QStringLiteral("Define User Keywords"));
+        // The three ways of opening a block stand under "begins a block".
+        if (QStringList{"optAny", "optFirst", "optLast"}.contains(option))
+            pick(form, "optBegin");
+        pick(form, option.toLatin1().constData());
+        type(form, word);
+        form.AddKeyword();
+        QCOMPARE(answers.Texts(), messages);
+        if (!messages.isEmpty()) {
+            QCOMPARE(answers.Seen.front().Caption, QStringLiteral("Brix"));
+            QCOMPARE(answers.Seen.front().Icon,
+                     int(answer ? QMessageBox::Question : QMessageBox::Warning));
+        }
+        QCOMPARE(shown(form), listed.isEmpty() ? QStringList() : QStringList{listed});
+        QCOMPARE(table.GetKeywordList(4, QStringLiteral(" ")), QString());
+        form.accept();
+        QCOMPARE(table.GetKeywordList(4, QStringLiteral(" ")), listed);
+    }
+
+    void builtInWordsShowTheirFixedBlock() {
+        clsKeywords table;
+        frmKeywords form(table, 2, QStringLiteral("Define Language Keywords"));
+        QVERIFY(shown(form).contains(QStringLiteral("THEN+")));
+        auto* frame = form.findChild<QGroupBox*>(QStringLiteral("frBlock"));
+        type(form, QStringLiteral("then"));
+        QCOMPARE(frame->title(), QStringLiteral("Block indent for reserved keyword"));
+        QVERIFY(!frame->isEnabled());
+        type(form, QStringLiteral("THENCE"));
+        QCOMPARE(frame->title(), QStringLiteral("Block indent for keyword"));
+        QVERIFY(frame->isEnabled());
+    }
+
+    void removeAndCancel() {
+        clsKeywords table;
+        table.SetKeywordList(4, QStringLiteral(" "), QStringLiteral("ONE TWO+ THREE"));
+        frmKeywords form(table, 4, QString());
+        auto* list = form.findChild<QListWidget*>(QStringLiteral("lstKeywords"));
+        list->item(1)->setSelected(true);
+        QCOMPARE(form.findChild<QLineEdit*>(QStringLiteral("txtKeyword"))->text(),
+                 QStringLiteral("TWO"));
+        QVERIFY(form.findChild<QRadioButton*>(QStringLiteral("optBegin"))->isChecked());
+        form.RemoveKeyword();
+        QCOMPARE(shown(form), (QStringList{"ONE", "THREE"}));
+        form.reject();
+        QCOMPARE(table.GetKeywordList(4, QStringLiteral(" ")), QStringLiteral("ONE TWO+ THREE"));
+    }
+
+    void exportWritesCrLf() {
+        clsKeywords table;
+        table.SetKeywordList(4, QStringLiteral(" "), QStringLiteral("ONE TWO+ WITH["));
+        frmKeywords form(table, 4, QString());
+        const QString path = dir.filePath(QStringLiteral("out.txt"));
+        QVERIFY(form.ExportTo(path));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("ONE\r\nTWO+\r\nWITH["));
+    }
+
+    // Yes imports the corrected word, No skips the word, Cancel ends the import.
+    // The boxes show the CR LF of the messages as one line break.
+    void importRepairs() {
+        BoxAnswers answers;
+        answers.Push({MsgBox::Yes, MsgBox::No, MsgBox::Cancel});
+        clsKeywords table;
+        frmKeywords form(table, 4, QString());
+        const QString path = write("GOOD+\r\nBAD,WORD-\r\nSKIP ME\r\n\r\nSTOP;HERE\r\nLAST\n");
+        QVERIFY(form.ImportFrom(path));
+        QCOMPARE(
+            answers.Texts(),
+            (QStringList{"Keyword 'BAD,WORD' contains an invalid character: comma. Import as "
+                         "'BADWORD'?\nClick 'Yes' to import corrected keyword, 'No' to skip this "
+                         "keyword, or Cancel to cancel the import operation.",
+                         "Keyword 'SKIP ME' contains an invalid character: blank. Import as "
+                         "'SKIPME'?\nClick 'Yes' to import corrected keyword, 'No' to skip this "
+                         "keyword, or Cancel to cancel the import operation.",
+                         "Keyword 'STOP;HERE' contains an invalid character: semicolon. Import as "
+                         "'STOPHERE'?\nClick 'Yes' to import corrected keyword, 'No' to skip this "
+                         "keyword, or Cancel to cancel the import operation."}));
+        QCOMPARE(shown(form), (QStringList{"GOOD+", "BADWORD-"}));
+    }
+
+    void importRefusesWhatIsNotText_data() {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("invalid UTF-8") << QByteArray("ONE\r\n\xff\xfeTWO");
+        QTest::newRow("binary") << QByteArray("ONE\0TWO", 7);
+    }
+    void importRefusesWhatIsNotText() {
+        QFETCH(QByteArray, bytes);
+        BoxAnswers answers;
+        clsKeywords table;
+        table.SetKeywordList(4, QStringLiteral(" "), QStringLiteral("KEEP"));
+        frmKeywords form(table, 4, QString());
+        QVERIFY(!form.ImportFrom(write(bytes)));
+        QCOMPARE(answers.Texts().size(), 1);
+        QVERIFY(answers.Texts().front().contains(QStringLiteral("nothing was imported")));
+        QCOMPARE(shown(form), QStringList{QStringLiteral("KEEP")});
+        QVERIFY(!form.ImportFrom(dir.filePath(QStringLiteral("missing.txt"))));
+    }
+};
+
+BRIX_TEST_MAIN(tst_frmKeywords)
+#include "tst_frmKeywords.moc"

@@ -1,0 +1,260 @@
+#include "BoxAnswers.h"
+#include "TestEnv.h"
+
+#include "language/ScintillaBuffer.h"
+#include "language/clsKeywords.h"
+#include "settings/ColorCombo.h"
+#include "settings/ColorList.h"
+#include "settings/HighlightPreview.h"
+#include "settings/Moriox.h"
+#include "settings/SettingsCopy.h"
+#include "settings/frmSettings.h"
+#include "settings/modColors.h"
+#include "support/MsgBoxEx.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QFontDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QTabWidget>
+
+// The settings dialog driven through its own controls: each one writes its member of the
+// working copy and nothing else, OK merges, Cancel leaves the settings as they were.
+class tst_frmSettings : public QObject {
+    Q_OBJECT
+    std::unique_ptr<Moriox> settings;
+    std::unique_ptr<Moriox> before;
+    bool documentsOpen = false;
+
+    std::unique_ptr<frmSettings> dialog(int tab = 1) {
+        return std::make_unique<frmSettings>(*settings, tab, [this] { return documentsOpen; });
+    }
+    template <typename T> static T* child(frmSettings& form, const char* name) {
+        T* found = form.findChild<T*>(QLatin1String(name));
+        if (!found)
+            qWarning("no control %s", name);
+        return found;
+    }
+    // Runs `act` on the next modal dialog of type T once it is up.
+    template <typename T> static void whenShown(std::function<void(T&)> act) {
+        QTimer::singleShot(0, [act] {
+            if (auto* shown = qobject_cast<T*>(QApplication::activeModalWidget()))
+                act(*shown);
+        });
+    }
+
+private Q_SLOTS:
+    void init() {
+        settings = std::make_unique<Moriox>();
+        settings->RecentList->SetListSize(8);
+        before = settings->Clone();
+        documentsOpen = false;
+    }
+
+    void checkBoxWritesItsMember_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("member");
+        int i = 0;
+        for (const char* name : {"chkMonospace", "chkHighlight", "chkLineWrap", "chkAutoRecover",
+                                 "chkColorPrinting", "chkLocking", "chkLargeIcons"})
+            QTest::newRow(name) << QString::fromLatin1(name) << i++;
+    }
+    void checkBoxWritesItsMember() {
+        QFETCH(QString, name);
+        QFETCH(int, member);
+        bool Moriox::*const members[] = {&Moriox::FontMono,         &Moriox::Highlight,
+                                         &Moriox::LineWrap,         &Moriox::AutoRecover,
+                                         &Moriox::ColorPrinting,    &Moriox::RecordLocking,
+                                         &Moriox::LargeToolbarIcons};
+        bool Moriox::*field = members[member];
+        auto form = dialog();
+        auto* box = form->findChild<QCheckBox*>(name);
+        QVERIFY(box);
+        QCOMPARE(box->isChecked(), (*settings).*field);
+        box->click();
+        QCOMPARE(form->Working().*field, !((*settings).*field));
+        QVERIFY(*settings == *before);
+        form->accept();
+        QCOMPARE((*settings).*field, !((*before).*field));
+    }
+
+    void textFieldsReachTheCopyOnOk() {
+        auto form = dialog(3);
+        QCOMPARE(form->findChild<QTabWidget*>(QStringLiteral("TabStrip"))->currentIndex(), 2);
+        child<QLineEdit>(*form, "txtCommand")->setText(QStringLiteral("BASIC -X"));
+        child<QLineEdit>(*form, "txtOptions")->setText(QStringLiteral("-D"));
+        child<QLineEdit>(*form, "txtTabSize")->setText(QStringLiteral("4"));
+        child<QLineEdit>(*form, "txtMargin")->setText(QStringLiteral("oops"));
+        child<QLineEdit>(*form, "txtRecentFiles")->setText(QStringLiteral("40"));
+        form->findChildren<QRadioButton*>(QStringLiteral("optIndentStar")).at(2)->click();
+        form->findChildren<QRadioButton*>(QStringLiteral("optIndentBang")).at(1)->click();
+        QVERIFY(*settings == *before);
+        form->accept();
+        QCOMPARE(settings->CompileCommand, QStringLiteral("BASIC -X"));
+        QCOMPARE(settings->CompileOptions, QStringLiteral("-D"));
+        QCOMPARE(settings->TabSize, int16_t(4));
+        QCOMPARE(settings->Margin, int16_t(0));
+        QCOMPARE(settings->RecentList->ListSize(), int16_t(30));
+        QCOMPARE(settings->IndentStar, int16_t(2));
+        QCOMPARE(settings->IndentBang, int16_t(1));
+    }
+
+    void numberFieldsNeverGoBelowZero_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("negative") << "-3"
+                                  << "0";
+        QTest::newRow("minus alone") << "-"
+                                     << "-";
+        QTest::newRow("positive") << "12"
+                                  << "12";
+        QTest::newRow("blank first") << " -7"
+                                     << "0";
+    }
+    void numberFieldsNeverGoBelowZero() {
+        QFETCH(QString, typed);
+        QFETCH(QString, shown);
+        auto form = dialog(3);
+        for (const char* name : {"txtTabSize", "txtMargin", "txtRecentFiles"}) {
+            auto* field = child<QLineEdit>(*form, name);
+            field->clear();
+            QTest::keyClicks(field, typed);
+            QCOMPARE(field->text(), shown);
+        }
+    }
+
+    void styleBitsKeepTheOthers() {
+        settings->ReservedStyle = 4 | 2;
+        auto form = dialog(2);
+        auto* bold = child<QCheckBox>(*form, "chkBold2");
+        auto* italic = child<QCheckBox>(*form, "chkItalic2");
+        QVERIFY(!bold->isChecked());
+        QVERIFY(italic->isChecked());
+        QVERIFY(!form->findChild<QCheckBox*>(QStringLiteral("chkBold0")));
+        bold->click();
+        QCOMPARE(form->Working().ReservedStyle, int16_t(7));
+        italic->click();
+        QCOMPARE(form->Working().ReservedStyle, int16_t(5));
+        QCOMPARE(settings->ReservedStyle, int16_t(6));
+    }
+
+    void colourListEntries() {
+        const auto entries = ColorList::Entries();
+        QCOMPARE(entries.front().Name, QStringLiteral("Standard Colors"));
+        QCOMPARE(entries.front().Value, ColorList::StandardHead);
+        QCOMPARE(entries[16].Name, QStringLiteral("White"));
+        QCOMPARE(entries[17].Value, ColorList::SystemHead);
+        QCOMPARE(int(entries.size()), 16 + modColors::SystemColorCount() + 3);
+        QCOMPARE(entries.back().Name, QStringLiteral("Custom Color >>"));
+        QCOMPARE(entries.back().Value, ColorList::CustomEntry);
+
+        ColorCombo combo;
+        combo.SetValue(0x123456);
+        QCOMPARE(combo.count(), 0);
+        combo.Fill();
+        QCOMPARE(combo.count(), int(entries.size()));
+        QCOMPARE(combo.currentIndex(), -1);
+        QCOMPARE(combo.toolTip(), QStringLiteral("custom color: R=86 G=52 B=18"));
+        QCOMPARE(combo.itemData(13, Qt::ToolTipRole).toString(),
+                 QStringLiteral("Red (standard color) R=255 G=0 B=0"));
+        QVERIFY(!combo.itemIcon(13).isNull());
+        QVERIFY(combo.itemIcon(0).isNull());
+    }
+
+    void choosingAColour() {
+        auto form = dialog(2);
+        auto* comment = child<ColorCombo>(*form, "cbColor3");
+        comment->Fill();
+        comment->Choose(0); // the head entry
+        QCOMPARE(form->Working().CommentColor, settings->CommentColor);
+        comment->Choose(13);
+        QCOMPARE(form->Working().CommentColor, 0x0000FF);
+        QCOMPARE(comment->toolTip(), QStringLiteral("Red (standard color) R=255 G=0 B=0"));
+        const int system = 18 + 5;
+        comment->Choose(system);
+        QCOMPARE(form->Working().CommentColor, modColors::SystemColorValue(5));
+
+        whenShown<QColorDialog>([](QColorDialog& picker) {
+            QCOMPARE(picker.currentColor(), modColors::ToQColor(modColors::SystemColorValue(5)));
+            picker.setCurrentColor(QColor(0x12, 0x34, 0x56));
+            picker.accept();
+        });
+        comment->Choose(comment->count() - 1);
+        QCOMPARE(form->Working().CommentColor, 0x563412);
+        QCOMPARE(comment->toolTip(), QStringLiteral("custom color: R=18 G=52 B=86"));
+        whenShown<QColorDialog>([](QColorDialog& picker) { picker.reject(); });
+        comment->Choose(comment->count() - 1);
+        QCOMPARE(form->Working().CommentColor, 0x563412);
+        QCOMPARE(settings->CommentColor, before->CommentColor);
+    }
+
+    // A document's form is fixed for the life of its window.
+    void minMaxCloseWaitsForNoDocuments_data() {
+        QTest::addColumn<bool>("open");
+        QTest::newRow("documents open") << true;
+        QTest::newRow("none open") << false;
+    }
+    void minMaxCloseWaitsForNoDocuments() {
+        QFETCH(bool, open);
+        documentsOpen = open;
+        BoxAnswers answers;
+        auto form = dialog();
+        auto* box = child<QCheckBox>(*form, "chkMinMaxClose");
+        QCOMPARE(box->text(), QStringLiteral("Show document min, ma&x && close buttons "));
+        box->click();
+        QCOMPARE(box->isChecked(), !open);
+        QCOMPARE(form->Working().MinMaxClose, !open);
+        QCOMPARE(answers.Texts(),
+                 open ? QStringList{SettingsCopy::MinMaxCloseRefusal()} : QStringList());
+        if (open)
+            QVERIFY(answers.Texts().front().startsWith(
+                QStringLiteral("The \"min, max, close\" setting cannot be changed")));
+    }
+
+    void fontDialogFollowsMonospace() {
+        settings->FontName = QStringLiteral("Liberation Mono");
+        settings->FontSize = QStringLiteral("13");
+        auto form = dialog();
+        auto fonts = form->MakeFontDialog();
+        QVERIFY(fonts->testOption(QFontDialog::MonospacedFonts));
+        QCOMPARE(fonts->currentFont().pointSize(), 13);
+        child<QCheckBox>(*form, "chkMonospace")->click();
+        QVERIFY(!form->MakeFontDialog()->testOption(QFontDialog::MonospacedFonts));
+        form->TakeFont(QFont(QStringLiteral("Liberation Sans"), 15));
+        QCOMPARE(form->Working().FontName, QStringLiteral("Liberation Sans"));
+        QCOMPARE(form->Working().FontSize, QStringLiteral("15"));
+        QCOMPARE(child<QLabel>(*form, "lblFontName")->text(), QStringLiteral("Liberation Sans"));
+    }
+
+    void cancelLeavesEverything() {
+        auto form = dialog(2);
+        child<QCheckBox>(*form, "chkCaseSensitive")->click();
+        child<QCheckBox>(*form, "chkBold1")->click();
+        child<ColorCombo>(*form, "cbColor0")->Fill();
+        child<ColorCombo>(*form, "cbColor0")->Choose(1);
+        form->Working().Keywords->SetKeywordList(4, QStringLiteral(" "), QStringLiteral("FOO"));
+        child<QLineEdit>(*form, "txtRecentFiles")->setText(QStringLiteral("1"));
+        form->reject();
+        QVERIFY(*settings == *before);
+        QVERIFY(!settings->Keywords->Item(u"FOO"));
+    }
+
+    // The preview follows the copy before OK.
+    void previewShowsTheCopy() {
+        auto form = dialog(2);
+        auto* preview = form->findChild<HighlightPreview*>();
+        QVERIFY(preview);
+        QCOMPARE(preview->UserWord(), QStringLiteral("LOGMSG"));
+        QVERIFY(!settings->Keywords->Item(u"LOGMSG"));
+        child<ColorCombo>(*form, "cbColor3")->Fill();
+        child<ColorCombo>(*form, "cbColor3")->Choose(13);
+        QCOMPARE(preview->SendScintilla(QsciScintillaBase::SCI_STYLEGETFORE,
+                                        ScintillaBuffer::StyleOfKind(6)),
+                 0x0000FFL);
+    }
+};
+
+BRIX_TEST_MAIN(tst_frmSettings)
+#include "tst_frmSettings.moc"

@@ -1,0 +1,123 @@
+#include "DocumentFrame.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/mvDocument.h"
+#include "language/BufferLexer.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "settings/ColorCombo.h"
+#include "settings/Moriox.h"
+#include "settings/frmSettings.h"
+#include "shell/CommandBar.h"
+#include "shell/CommandDispatcher.h"
+#include "shell/frmMain.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QTabWidget>
+#include <QToolBar>
+
+// The settings commands from the frame: each opens its tab, and OK reaches the open
+// documents at once while Cancel leaves them as they were.
+class tst_SettingsCommand : public QObject {
+    Q_OBJECT
+    std::unique_ptr<DocumentFrame> frames;
+    std::shared_ptr<mvDocument> document;
+
+    SourceView& editor() const { return *document->Editor(); }
+    long fore(int32_t kind) const {
+        return editor().SendScintilla(QsciScintillaBase::SCI_STYLEGETFORE,
+                                      ScintillaBuffer::StyleOfKind(kind));
+    }
+    long edge() const { return editor().SendScintilla(QsciScintillaBase::SCI_GETEDGECOLUMN); }
+    // Changes the dialog once it is up, then leaves it with OK or Cancel.
+    static void whenShown(std::function<void(frmSettings&)> act, bool ok) {
+        QTimer::singleShot(0, [act, ok] {
+            auto* form = qobject_cast<frmSettings*>(QApplication::activeModalWidget());
+            QVERIFY(form);
+            act(*form);
+            ok ? form->accept() : form->reject();
+        });
+    }
+
+private Q_SLOTS:
+    void initTestCase() { frames = std::make_unique<DocumentFrame>(); }
+    void cleanupTestCase() { frames.reset(); }
+    void init() {
+        ProcessState::Instance().Settings = std::make_unique<Moriox>();
+        document = mvDocument::Create();
+        QVERIFY(document->FileNew());
+    }
+    void cleanup() {
+        document.reset();
+        DocumentFrame::CloseAll();
+    }
+
+    void commandOpensItsTab_data() {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<int>("index");
+        QTest::newRow("general") << "OptGeneral" << 0;
+        QTest::newRow("highlight") << "OptHighlight" << 1;
+        QTest::newRow("tools") << "OptTools" << 2;
+    }
+    void commandOpensItsTab() {
+        QFETCH(QString, key);
+        QFETCH(int, index);
+        QVERIFY(CommandDispatcher::Handles(key));
+        int seen = -1;
+        whenShown(
+            [&seen](frmSettings& form) {
+                seen = form.findChild<QTabWidget*>(QStringLiteral("TabStrip"))->currentIndex();
+            },
+            false);
+        frames->Frame()->Dispatcher().Dispatch(key, false);
+        QCOMPARE(seen, index);
+    }
+
+    void okReachesOpenDocuments_data() {
+        QTest::addColumn<bool>("ok");
+        QTest::newRow("ok") << true;
+        QTest::newRow("cancel") << false;
+    }
+    void okReachesOpenDocuments() {
+        QFETCH(bool, ok);
+        const long comment = fore(6);
+        const long margin = edge();
+        const QString family = editor().Lexer().defaultFont().family();
+        const std::unique_ptr<Moriox> before = Settings().Clone();
+        QToolBar* toolbar = frames->Frame()->Bar().ToolBarWidget();
+        const QSize icons = toolbar->iconSize();
+        whenShown(
+            [](frmSettings& form) {
+                auto* colour = form.findChild<ColorCombo*>(QStringLiteral("cbColor3"));
+                colour->Fill();
+                colour->Choose(13);
+                form.findChild<QLineEdit*>(QStringLiteral("txtMargin"))->setText("9");
+                form.findChild<QLineEdit*>(QStringLiteral("txtTabSize"))->setText("5");
+                form.TakeFont(QFont(QStringLiteral("Liberation Mono"), 14));
+                form.findChild<QCheckBox*>(QStringLiteral("chkLargeIcons"))->click();
+            },
+            ok);
+        frames->Frame()->Dispatcher().Dispatch(QStringLiteral("OptTools"), false);
+        if (ok) {
+            QCOMPARE(fore(6), 0x0000FFL);
+            QCOMPARE(edge(), 9L);
+            QCOMPARE(editor().TabSize(), 5);
+            QCOMPARE(editor().Lexer().defaultFont().family(), QStringLiteral("Liberation Mono"));
+            QCOMPARE(editor().Lexer().defaultFont().pointSize(), 14);
+            QCOMPARE(toolbar->iconSize(), QSize(32, 32));
+            QVERIFY(!(Settings() == *before));
+        } else {
+            QCOMPARE(fore(6), comment);
+            QCOMPARE(edge(), margin);
+            QCOMPARE(editor().TabSize(), 3);
+            QCOMPARE(editor().Lexer().defaultFont().family(), family);
+            QCOMPARE(toolbar->iconSize(), icons);
+            QVERIFY(Settings() == *before);
+        }
+    }
+};
+
+BRIX_TEST_MAIN(tst_SettingsCommand)
+#include "tst_SettingsCommand.moc"
