@@ -28,7 +28,7 @@ const CommandDispatcher::Entry CommandDispatcher::Table[] = {
     {"Save", &CommandDispatcher::save},
     {"SaveAs", &CommandDispatcher::saveAs},
     {"SaveAll", &CommandDispatcher::saveAll},
-    {"Print", nullptr},
+    {"Print", &CommandDispatcher::print},
     {"Exit", &CommandDispatcher::exit},
     {"Properties", nullptr},
     {"Undo", &CommandDispatcher::undo},
@@ -156,6 +156,11 @@ void CommandDispatcher::saveAs(bool) {
 
 void CommandDispatcher::saveAll(bool) {
     frame_.SaveAllDocuments();
+}
+
+void CommandDispatcher::print(bool) {
+    if (auto document = active())
+        document->PrintText();
 }
 
 void CommandDispatcher::exit(bool) {
