@@ -1,8 +1,8 @@
 #include "FileTestSupport.h"
 #include "TestEnv.h"
 
+#include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
 
 // `brix --print-pdf OUT FILE` run as a user would run it: the exit status, the message on
 // a bad file, and the pages written.
@@ -43,16 +43,8 @@ private Q_SLOTS:
         QCOMPARE(p.exitStatus(), QProcess::NormalExit);
         QVERIFY2(p.exitCode() == status, qPrintable(errors));
         QVERIFY2(errors.contains(message), qPrintable(errors));
-        if (status != 0)
-            return;
-        QProcess text;
-        text.start(QStringLiteral("pdftotext"),
-                   {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-        QVERIFY(text.waitForFinished(60000));
-        const QString printed = QString::fromUtf8(text.readAllStandardOutput());
-        QVERIFY2(printed.contains(QStringLiteral("File: prog.bp")), qPrintable(printed));
-        QVERIFY2(printed.contains(QRegularExpression(QStringLiteral("0002\\s+END"))),
-                 qPrintable(printed));
+        // What the pages hold is the document printer's test; here only that they exist.
+        QCOMPARE(QFileInfo(pdf).size() > 0, status == 0);
     }
 };
 
