@@ -105,6 +105,8 @@ public:
     void CommentBlock(bool comment);
     void ToggleCase();
     void Format();
+    // Prints through the platform's print dialog, with page headers and line numbers.
+    void PrintText();
 
     // The editor and its buffer; both exist once EnsureView has run.
     SourceView* Editor() const;

@@ -7,6 +7,7 @@
 #include "language/DrawClass.h"
 #include "language/LexClass.h"
 #include "language/LineNumberGutter.h"
+#include "language/PrintClass.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
@@ -73,6 +74,7 @@ void frmDocument::Load() {
     lex_ = std::make_shared<LexClass>();
     draw_ = std::make_shared<DrawClass>(*txtText_);
     txtText_->Gutter().SetDrawHook(draw_);
+    txtText_->SetPrintHook(std::make_shared<PrintClass>());
     // The document's own switch, which starts as the setting, and the one keyword table of
     // the settings, so that an edited list reaches every open document.
     const auto document = viewObject_.lock();

@@ -23,7 +23,7 @@ QString DrawClass::LineNumberText(int32_t line, int32_t digits, int32_t wrapRow,
     return QString(width - number.size(), QLatin1Char('0')) + number;
 }
 
-void DrawClass::ISourceDraw2_PreDrawLine(const SourceDrawLine& record) {
+void DrawClass::ISourceDraw2_PreDrawLine(SourceDrawLine& record) {
     SourceView* view = view_.data();
     QPainter* painter = record.Painter;
     if (!view || !painter)

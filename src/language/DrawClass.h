@@ -17,10 +17,10 @@ public:
     explicit DrawClass(SourceView& view);
 
     void ISourceDraw2_PostDraw(QPainter*) override {}
-    void ISourceDraw2_PostDrawPage(QPainter*, int32_t) override {}
+    void ISourceDraw2_PostDrawPage(const SourceDrawPage&) override {}
     void ISourceDraw2_PreDraw(QPainter*) override {}
-    void ISourceDraw2_PreDrawLine(const SourceDrawLine& record) override;
-    void ISourceDraw2_PreDrawPage(QPainter*, int32_t) override {}
+    void ISourceDraw2_PreDrawLine(SourceDrawLine& record) override;
+    void ISourceDraw2_PreDrawPage(const SourceDrawPage&) override {}
 
     // The digit width as drawn: 3 to 10.
     static int32_t DrawnDigits(int32_t digits);

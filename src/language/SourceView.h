@@ -5,6 +5,7 @@
 #include <memory>
 
 class BufferLexer;
+class ISourceDraw2;
 class LineNumberGutter;
 class ScintillaBuffer;
 
@@ -62,6 +63,10 @@ public:
     // The line-number strip left of the viewport.
     LineNumberGutter& Gutter() const { return *gutter_; }
 
+    // The hook that heads the printed pages and numbers their lines.
+    const std::shared_ptr<ISourceDraw2>& PrintHook() const { return printHook_; }
+    void SetPrintHook(std::shared_ptr<ISourceDraw2> hook) { printHook_ = std::move(hook); }
+
     // Colours bookmarked lines for text on `paper`.
     void TintBookmarks(const QColor& paper);
 
@@ -89,4 +94,5 @@ private:
     BufferLexer* lexer_ = nullptr;
     LineNumberGutter* gutter_ = nullptr;
     int32_t margin_ = 0;
+    std::shared_ptr<ISourceDraw2> printHook_;
 };

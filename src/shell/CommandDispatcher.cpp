@@ -29,7 +29,7 @@ const CommandDispatcher::Entry CommandDispatcher::Table[] = {
     {"Save", &CommandDispatcher::save},
     {"SaveAs", &CommandDispatcher::saveAs},
     {"SaveAll", &CommandDispatcher::saveAll},
-    {"Print", nullptr},
+    {"Print", &CommandDispatcher::print},
     {"Exit", &CommandDispatcher::exit},
     {"Properties", nullptr},
     {"Undo", &CommandDispatcher::undo},
@@ -157,6 +157,11 @@ void CommandDispatcher::saveAs(bool) {
 
 void CommandDispatcher::saveAll(bool) {
     frame_.SaveAllDocuments();
+}
+
+void CommandDispatcher::print(bool) {
+    if (auto document = active())
+        document->PrintText();
 }
 
 void CommandDispatcher::exit(bool) {

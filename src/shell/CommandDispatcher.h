@@ -42,6 +42,7 @@ private:
     void save(bool);
     void saveAs(bool);
     void saveAll(bool);
+    void print(bool);
     void exit(bool);
     void undo(bool);
     void redo(bool);
