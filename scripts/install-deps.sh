@@ -3,7 +3,7 @@
 set -euo pipefail
 PACKAGES=(cmake ninja-build g++ pkg-config make qt6-base-dev qt6-base-dev-tools
   libqscintilla2-qt6-dev libgl-dev fonts-liberation dbus openssh-server openssh-client
-  python3-dbus xvfb libbenchmark-dev clang-format)
+  python3-dbus python3-gi xvfb libbenchmark-dev clang-format)
 missing=()
 for p in "${PACKAGES[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then

@@ -1,9 +1,13 @@
 #include "app/modMain.h"
 
+#include "app/Application.h"
+#include "app/AutomationServer.h"
+#include "app/CommandLine.h"
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
 #include "settings/Moriox.h"
+#include "shell/CommandDispatcher.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
 #include "support/EditorFont.h"
@@ -15,6 +19,8 @@
 #include <QDir>
 #include <QMessageBox>
 #include <csignal>
+#include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -28,6 +34,46 @@ void unloadSlot(QPointer<QWidget>& slot) {
     }
     slot.clear();
 }
+
+// The objects on the session bus. Losing the bus ends an editor started for clients, as
+// nobody else can reach it then.
+void startAutomation() {
+    ProcessState& state = ProcessState::Instance();
+    if (state.Automation)
+        return;
+    state.Automation = std::make_unique<AutomationServer>();
+    if (!state.Automation->Start()) {
+        state.Automation.reset();
+        return;
+    }
+    QObject::connect(state.Automation.get(), &AutomationServer::BusLost, [] {
+        ProcessState& s = ProcessState::Instance();
+        if (s.Mode != ProcessState::StartMode::Automation)
+            return;
+        if (s.MainWindow)
+            s.MainWindow->UnloadForm();
+        else
+            Shutdown();
+    });
+}
+
+const char* const kUsage =
+    "Usage: brix [OPTION]... [SWITCH | FILE]...\n"
+    "Edits programs of MultiValue databases and local files.\n"
+    "\n"
+    "  /T=PROVIDER    provider of the host context (mvdb or file)\n"
+    "  /H=SERVER      connection to use; alone, it connects at once\n"
+    "  /A=ACCOUNT     account of the host context\n"
+    "  /F=FILE        file of the host context (\"/F=\"MY FILE\"\" for a name with blanks)\n"
+    "  /I=ITEM        opens the item from the host context as it stands\n"
+    "  /L             opens what follows read only\n"
+    "  FILE           opens a local file\n"
+    "\n"
+    "Switches apply from left to right.\n"
+    "\n"
+    "  --automation   start for automation clients (D-Bus service com.tolvek.Brix)\n"
+    "  --help         show this help and exit\n"
+    "  --version      show the version and exit\n";
 
 } // namespace
 
@@ -53,14 +99,18 @@ bool Main(QApplication& app) {
         auto* frame = new frmMain; // deletes itself when it closes
         state.MainWindow = frame;
         frame->Load();
-        frame->show();
+        frame->Dispatcher().UserTool = &Application::RaiseUserTool;
+        // An editor started for clients stays out of sight until one asks for it.
+        if (state.Mode == ProcessState::StartMode::User)
+            frame->show();
 
         QApplication::setOverrideCursor(Qt::WaitCursor);
         frame->SetPaneText(1, QString());
 
-        // A user start with nothing to show opens an empty document to type into.
-        if (state.Mode == ProcessState::StartMode::User && state.Documents->Count() == 0)
-            frame->NewDocument();
+        startAutomation();
+
+        if (state.Mode == ProcessState::StartMode::User)
+            CommandLine::Process(state.CommandLine);
 
         QApplication::restoreOverrideCursor();
     } catch (const BrixError& error) {
@@ -116,7 +166,12 @@ void Shutdown() {
     }
     state.Settings.reset();
 
+    // Clients holding the Application hear that the editor ends, settings written.
+    if (auto application = state.ActiveApplication.lock())
+        application->RaiseQuit();
+
     EditorFont::Remove(state.FontInstalled);
+    state.Automation.reset();
 
     // The event loop ends once the shutdown is through.
     QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit,
@@ -124,6 +179,17 @@ void Shutdown() {
 }
 
 int RunBrix(int argc, char** argv) {
+    // Answered before any window system is needed.
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0) {
+            std::fputs(kUsage, stdout);
+            return 0;
+        }
+        if (std::strcmp(argv[i], "--version") == 0) {
+            std::printf("brix %s\n", BRIX_VERSION);
+            return 0;
+        }
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Brix"));
     QApplication::setOrganizationName(QStringLiteral("Tolvek"));
@@ -131,9 +197,11 @@ int RunBrix(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     ProcessState& state = ProcessState::Instance();
-    state.Mode = app.arguments().contains(QStringLiteral("--automation"))
+    QStringList arguments = app.arguments().mid(1);
+    state.Mode = arguments.removeAll(QStringLiteral("--automation")) > 0
                      ? ProcessState::StartMode::Automation
                      : ProcessState::StartMode::User;
+    state.CommandLine = CommandLine::JoinArguments(arguments);
 
     // Ending signals close the frame as the program would: no questions.
     UnixSignalWatcher signalWatcher({SIGTERM, SIGINT, SIGHUP});
