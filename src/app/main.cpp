@@ -1,5 +1,3 @@
 #include "app/modMain.h"
 
-int main(int argc, char** argv) {
-    return RunBrix(argc, argv);
-}
+int main(int argc, char** argv) { return RunBrix(argc, argv); }
