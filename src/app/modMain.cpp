@@ -107,10 +107,11 @@ bool Main(QApplication& app) {
         QApplication::setOverrideCursor(Qt::WaitCursor);
         frame->SetPaneText(1, QString());
 
-        startAutomation();
-
         if (state.Mode == ProcessState::StartMode::User)
             CommandLine::Process(state.CommandLine);
+
+        // After the command line, so that a client finds what it opened.
+        startAutomation();
 
         QApplication::restoreOverrideCursor();
     } catch (const BrixError& error) {

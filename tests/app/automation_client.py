@@ -88,6 +88,10 @@ def roundtrip(file_name):
     closes = []
     bus.add_signal_receiver(lambda *a, **k: closes.append(k["path"]), "DocumentClose", DOC_IF,
                             path_keyword="path")
+    changes = []
+    bus.add_signal_receiver(lambda iface, changed, _, **k: changes.append(
+        (k["path"], str(iface), {str(n): v for n, v in changed.items()})),
+        "PropertiesChanged", PROPS, path_keyword="path")
     app().Attach()
     path = docs().AddNew()
     print("new", bool(get(path, DOC_IF, "NewItem")), get(path, DOC_IF, "DisplayName"))
@@ -99,6 +103,12 @@ def roundtrip(file_name):
     put(path, DOC_IF, "Text", "CRT 'changed'\nEND\n")
     print("dirty", bool(get(path, DOC_IF, "IsDirty")))
     print("save", bool(d.FileSave()), bool(get(path, DOC_IF, "IsDirty")))
+    # The client hears the changes: the host context moved to the file's folder, and the
+    # document went dirty and clean again.
+    spin(lambda: [bool(c[2]["IsDirty"]) for c in changes if "IsDirty" in c[2]] == [True, False],
+         5000)
+    print("heard dirty", [bool(c[2]["IsDirty"]) for c in changes if "IsDirty" in c[2]])
+    print("heard provider", [str(c[2]["Provider"]) for c in changes if "Provider" in c[2]])
     print("close", bool(d.FileClose(False)))
     spin(lambda: len(closes) >= 1, 5000)
     print("closed", closes.count(path))
@@ -168,6 +178,15 @@ def quits(settings_file):
     spin(lambda: quit_seen)
     print("quit", quit_seen)
     print("ended", spin(lambda: gone(pid)))
+
+
+def opened():
+    # An editor started by hand: wait for it on the bus without starting another.
+    names = dbus.Interface(bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus"),
+                           "org.freedesktop.DBus")
+    spin(lambda: names.NameHasOwner(SERVICE))
+    for path in docs().NewEnum():
+        print(str(get(path, DOC_IF, "ItemID")), bool(get(path, DOC_IF, "ReadOnly")))
 
 
 def introspect():

@@ -28,6 +28,8 @@ private Q_SLOTS:
                                  QStringLiteral("local True my prog.bas"),
                                  QStringLiteral("dirty True"),
                                  QStringLiteral("save True False"),
+                                 QStringLiteral("heard dirty [True, False]"),
+                                 QStringLiteral("heard provider ['file']"),
                                  QStringLiteral("close True"),
                                  QStringLiteral("closed 1"),
                                  QStringLiteral("after org.freedesktop.DBus.Error.UnknownObject"),
@@ -143,6 +145,30 @@ private Q_SLOTS:
                            {QStringLiteral("false")}, &out),
                  0);
         QCOMPARE(out.trimmed(), QByteArray("(true,)"));
+    }
+
+    // A user start: the arguments of the process, names with blanks among them, become
+    // the command line; relative names are taken from the current folder.
+    void commandLineOfAUserStart() {
+        AutomationBus bus;
+        QVERIFY(bus.Up());
+        QDir().mkpath(bus.Path(QStringLiteral("work/sub dir")));
+        FileTestSupport::WriteFile(bus.Path(QStringLiteral("work/sub dir/my prog.bas")), "END\n");
+        FileTestSupport::WriteFile(bus.Path(QStringLiteral("work/b.bas")), "END\n");
+        QProcess editor;
+        editor.setProcessEnvironment(bus.EditorEnvironment());
+        editor.setWorkingDirectory(bus.Path(QStringLiteral("work")));
+        editor.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        editor.start(
+            qEnvironmentVariable("BRIX_BUILD_DIR") + QStringLiteral("/brix"),
+            {QStringLiteral("sub dir/my prog.bas"), QStringLiteral("/L"), QStringLiteral("b.bas")});
+        QVERIFY(editor.waitForStarted(10000));
+        QByteArray out;
+        QCOMPARE(bus.Client({QStringLiteral("opened")}, &out), 0);
+        QCOMPARE(lines(out),
+                 (QStringList{QStringLiteral("my prog.bas False"), QStringLiteral("b.bas True")}));
+        editor.terminate();
+        QVERIFY(editor.waitForFinished(30000));
     }
 
     // What a client sees of the interfaces: members in order, argument types and ids.

@@ -61,6 +61,7 @@ AutomationBus::AutomationBus() {
     env.insert(QStringLiteral("XDG_RUNTIME_DIR"), home + QStringLiteral("/runtime"));
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address_);
+    env_ = env;
     daemon_.setProcessEnvironment(env);
     daemon_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     daemon_.start(QStringLiteral("dbus-daemon"),

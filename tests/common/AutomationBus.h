@@ -18,6 +18,8 @@ public:
     bool Up() const { return up_; }
     QString Home() const { return dir_.filePath(QStringLiteral("home")); }
     QString Path(const QString& relative) const { return dir_.filePath(relative); }
+    // What an editor on this bus runs with: its home, offscreen, the bus address.
+    QProcessEnvironment EditorEnvironment() const { return env_; }
 
     // Runs a client on the bus; gives its exit code, its output in `out`. `quiet` drops what
     // it writes to standard error.
@@ -33,5 +35,6 @@ private:
     QTemporaryDir dir_;
     QProcess daemon_;
     QString address_;
+    QProcessEnvironment env_;
     bool up_ = false;
 };
