@@ -5,8 +5,15 @@
 #include "documents/mvDocument.h"
 #include "shell/CommandBar.h"
 #include "shell/frmMain.h"
+#include "support/BrixError.h"
 #include "support/ForceForeground.h"
 #include "support/ShortcutKeyNames.h"
+
+namespace {
+
+constexpr int32_t DuplicateKey = 457;
+
+} // namespace
 
 std::shared_ptr<Application> Application::Acquire() {
     ProcessState& state = ProcessState::Instance();
@@ -87,8 +94,14 @@ void Application::ExtendedCommand(const QString& name, const QString& caption, i
     const QString shortcutText = shortcut >= INT16_MIN && shortcut <= INT16_MAX
                                      ? ShortcutKeyNames::Name(static_cast<int16_t>(shortcut))
                                      : QString();
+    // A key stands once on the menu and once in the collection.
+    if (state.ExtendedTools && state.ExtendedTools->contains(name))
+        throw BrixError(DuplicateKey, QStringLiteral("This key is already associated with an "
+                                                     "element of this collection"));
     if (frmMain* frame = state.MainWindow) {
         if (CommandBand* tools = frame->Bar().Band(QStringLiteral("tools"))) {
+            if (tools->Tool(name))
+                throw BrixError(DuplicateKey, QStringLiteral("Key is not unique in collection"));
             CommandTool* tool = tools->AddTool(name, caption, CommandTool::Type::Button, false);
             tool->SetShortcut(shortcutText);
         }

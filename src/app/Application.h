@@ -38,7 +38,8 @@ public:
     bool Visible() const;
     void SetVisible(bool visible);
 
-    // Adds a tool to the Tools menu whose click raises Custom with its key.
+    // Adds a tool to the Tools menu whose click raises Custom with its key. A key already
+    // on that menu raises a BrixError.
     void ExtendedCommand(const QString& name, const QString& caption, int32_t shortcut);
 
     // A user tool was clicked: raises Custom on the document's Application, or on the

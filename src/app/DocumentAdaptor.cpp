@@ -146,6 +146,12 @@ bool DocumentAdaptor::FileClose(bool Prompt, const QDBusMessage& call) {
     return done;
 }
 
+bool DocumentAdaptor::FileClose(const QDBusMessage& call) {
+    const bool done = AutomationReply::Run(call, "", [&] { return document()->FileClose(false); });
+    changed();
+    return done;
+}
+
 void DocumentAdaptor::PrintText(const QDBusMessage& call) {
     AutomationReply::SendError(call, NotSupported, QStringLiteral("Printing is not available"));
 }

@@ -159,6 +159,8 @@ public Q_SLOTS:
     bool FileSave(const QDBusMessage& call);
     bool FileSaveAs(const QString& Path, const QDBusMessage& call, QString& PathOut);
     bool FileClose(bool Prompt, const QDBusMessage& call);
+    // Prompt left out: false.
+    bool FileClose(const QDBusMessage& call);
     void PrintText(const QDBusMessage& call);
     void Compile(const QDBusMessage& call);
     void Format(const QDBusMessage& call);

@@ -129,8 +129,10 @@ def items():
     print("boolean", error_of(lambda: docs().Item(dbus.Boolean(True))))
     print("enum", list(docs().NewEnum()) == paths[1:])
     print("app", get(paths[1], DOC_IF, "Application"), get("/Application", APP_IF, "Documents"))
-    for p in paths[1:]:
-        doc(p).FileClose(False)
+    print("duplicate tool", error_of(lambda: app().ExtendedCommand("Format", "F", 0)))
+    # Prompt may be left out.
+    print("close", [bool(raw(p, DOC_IF, "FileClose", "", ())) for p in paths[1:]],
+          int(docs().Count()))
     app().Detach()
 
 

@@ -55,6 +55,9 @@ private Q_SLOTS:
                      QStringLiteral("boolean com.tolvek.Brix70.Error.E13 | 13: Type mismatch"),
                      QStringLiteral("enum True"),
                      QStringLiteral("app /Application /Documents"),
+                     QStringLiteral("duplicate tool com.tolvek.Brix70.Error.E457 | 457: Key is "
+                                    "not unique in collection"),
+                     QStringLiteral("close [True, True] 0"),
                  }));
     }
 
