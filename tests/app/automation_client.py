@@ -142,6 +142,10 @@ def host_context():
                         ("Database", "SALES"), ("Folder", "BP"), ("Folder", "")]:
         put("/Application", APP_IF, name, value)
         print(name, repr(str(get("/Application", APP_IF, name))))
+    # Started for clients, the window shows when one asks.
+    print("Visible", bool(get("/Application", APP_IF, "Visible")), end=" ")
+    put("/Application", APP_IF, "Visible", True)
+    print(bool(get("/Application", APP_IF, "Visible")))
     app().Detach()
 
 

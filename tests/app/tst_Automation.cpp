@@ -61,7 +61,7 @@ private Q_SLOTS:
                  }));
     }
 
-    // An empty write is ignored; Folder never changes by a write.
+    // An empty write is ignored; Folder never changes by a write. Visible shows the window.
     void hostContextProperties() {
         AutomationBus bus;
         QVERIFY(bus.Up());
@@ -74,6 +74,7 @@ private Q_SLOTS:
                                  QStringLiteral("Database 'SALES'"),
                                  QStringLiteral("Folder ''"),
                                  QStringLiteral("Folder ''"),
+                                 QStringLiteral("Visible False True"),
                              }));
     }
 
