@@ -10,6 +10,8 @@
 #include "support/BrixError.h"
 #include "support/ShowError.h"
 
+#include <QDir>
+
 namespace {
 
 const QChar kBlank = QLatin1Char(' ');
@@ -48,11 +50,20 @@ void connectEarly() {
     }
 }
 
+// An absolute Linux path starts like a switch; handed on relative to the current folder
+// it reads as the file name it is. "/L" and the "/X=" switches stay switches.
+bool isAbsolutePath(const QString& argument) {
+    return argument.startsWith(QLatin1Char('/')) && !isSwitchWithValue(argument) &&
+           argument.indexOf(QLatin1Char('/'), 1) > 0;
+}
+
 } // namespace
 
 QString CommandLine::JoinArguments(const QStringList& arguments) {
     QStringList fields;
-    for (const QString& argument : arguments) {
+    for (QString argument : arguments) {
+        if (isAbsolutePath(argument))
+            argument = QDir::current().relativeFilePath(argument);
         if (!argument.contains(kBlank))
             fields << argument;
         else if (isSwitchWithValue(argument))

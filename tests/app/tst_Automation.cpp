@@ -152,7 +152,8 @@ private Q_SLOTS:
     }
 
     // A user start: the arguments of the process, names with blanks among them, become
-    // the command line; relative names are taken from the current folder.
+    // the command line; relative names are taken from the current folder, and an absolute
+    // path is a file name, not a switch.
     void commandLineOfAUserStart() {
         AutomationBus bus;
         QVERIFY(bus.Up());
@@ -163,9 +164,9 @@ private Q_SLOTS:
         editor.setProcessEnvironment(bus.EditorEnvironment());
         editor.setWorkingDirectory(bus.Path(QStringLiteral("work")));
         editor.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        editor.start(
-            qEnvironmentVariable("BRIX_BUILD_DIR") + QStringLiteral("/brix"),
-            {QStringLiteral("sub dir/my prog.bas"), QStringLiteral("/L"), QStringLiteral("b.bas")});
+        editor.start(qEnvironmentVariable("BRIX_BUILD_DIR") + QStringLiteral("/brix"),
+                     {QStringLiteral("sub dir/my prog.bas"), QStringLiteral("/L"),
+                      bus.Path(QStringLiteral("work/b.bas"))});
         QVERIFY(editor.waitForStarted(10000));
         QByteArray out;
         QCOMPARE(bus.Client({QStringLiteral("opened")}, &out), 0);

@@ -44,14 +44,21 @@ private Q_SLOTS:
         QTest::newRow("none") << QStringList() << QString();
         QTest::newRow("plain names") << QStringList{"a.txt", "/L"} << "a.txt /L";
         QTest::newRow("name with a blank")
-            << QStringList{"/tmp/my file.bas"} << "\"/tmp/my file.bas\"";
+            << QStringList{"my dir/my file.bas"} << "\"my dir/my file.bas\"";
+        // Taken from "/": an absolute path is no switch.
+        QTest::newRow("absolute paths") << QStringList{"/tmp/a.bas", "/tmp/my file.bas", "/Q"}
+                                        << "tmp/a.bas \"tmp/my file.bas\" /Q";
         QTest::newRow("switch value with a blank")
             << QStringList{"/F=MY FILE", "/I=X"} << "/F=\"MY FILE\" /I=X";
     }
     void joinArguments() {
         QFETCH(QStringList, arguments);
         QFETCH(QString, line);
-        QCOMPARE(CommandLine::JoinArguments(arguments), line);
+        const QString before = QDir::currentPath();
+        QDir::setCurrent(QStringLiteral("/"));
+        const QString joined = CommandLine::JoinArguments(arguments);
+        QDir::setCurrent(before);
+        QCOMPARE(joined, line);
     }
 
     // Each line is walked from the local folder, where a.txt and b.txt lie.
