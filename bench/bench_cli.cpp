@@ -2,6 +2,7 @@
 // about 53 MB: start-up, the command-line walk, the load and the colouring of what shows.
 #include "BenchSupport.h"
 
+#include "app/CommandLine.h"
 #include "app/ProcessState.h"
 #include "app/modMain.h"
 #include "documents/DocumentCollection.h"
@@ -19,7 +20,7 @@ namespace {
 // One start in this process: prints the milliseconds.
 int oneRound(QApplication& app, const QString& file) {
     ProcessState& state = ProcessState::Instance();
-    state.CommandLine = file;
+    state.CommandLine = CommandLine::JoinArguments({file});
     Bench::Stopwatch clock;
     if (!Main(app))
         return 1;
@@ -68,9 +69,7 @@ int main(int argc, char** argv) {
         env.insert(QStringLiteral("XDG_DATA_HOME"), home.path() + QStringLiteral("/.local/share"));
         QProcess child;
         child.setProcessEnvironment(env);
-        child.start(
-            QCoreApplication::applicationFilePath(),
-            {QStringLiteral("--round"), QStringLiteral("\"") + file + QStringLiteral("\"")});
+        child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--round"), file});
         if (!child.waitForFinished(300000) || child.exitCode() != 0)
             return 1;
         times.push_back(child.readAllStandardOutput().trimmed().toDouble());
