@@ -3,7 +3,7 @@
 set -euo pipefail
 PACKAGES=(cmake ninja-build g++ pkg-config make qt6-base-dev qt6-base-dev-tools
   libqscintilla2-qt6-dev libgl-dev fonts-liberation dbus openssh-server openssh-client
-  python3-dbus xvfb libbenchmark-dev clang-format poppler-utils
+  python3-dbus python3-gi xvfb libbenchmark-dev clang-format poppler-utils
   gcc libcrypt-dev patch git util-linux)
 missing=()
 for p in "${PACKAGES[@]}"; do

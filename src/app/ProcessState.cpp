@@ -1,5 +1,6 @@
 #include "app/ProcessState.h"
 
+#include "app/AutomationServer.h"
 #include "documents/DocumentCollection.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"

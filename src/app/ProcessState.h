@@ -9,6 +9,7 @@
 #include <memory>
 
 class Application;
+class AutomationServer;
 class DocumentCollection;
 class Moriox;
 class IFrame;
@@ -30,6 +31,10 @@ public:
     static ProcessState& Instance();
 
     StartMode Mode = StartMode::User;
+    // The raw command line of a user start, as the command-line walk reads it.
+    QString CommandLine;
+    // The automation objects on the session bus; none without a bus.
+    std::unique_ptr<AutomationServer> Automation;
     std::unique_ptr<DocumentCollection> Documents;
     std::unique_ptr<Moriox> Settings;
     HostContext Host;

@@ -1,10 +1,14 @@
 #include "app/modMain.h"
 
+#include "app/Application.h"
+#include "app/AutomationServer.h"
+#include "app/CommandLine.h"
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
 #include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
+#include "shell/CommandDispatcher.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
 #include "support/EditorFont.h"
@@ -16,6 +20,8 @@
 #include <QDir>
 #include <QMessageBox>
 #include <csignal>
+#include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -29,6 +35,48 @@ void unloadSlot(QPointer<QWidget>& slot) {
     }
     slot.clear();
 }
+
+// The objects on the session bus. Losing the bus ends an editor started for clients, as
+// nobody else can reach it then.
+void startAutomation() {
+    ProcessState& state = ProcessState::Instance();
+    if (state.Automation)
+        return;
+    state.Automation = std::make_unique<AutomationServer>();
+    if (!state.Automation->Start()) {
+        state.Automation.reset();
+        return;
+    }
+    QObject::connect(state.Automation.get(), &AutomationServer::BusLost, [] {
+        ProcessState& s = ProcessState::Instance();
+        if (s.Mode != ProcessState::StartMode::Automation)
+            return;
+        if (s.MainWindow)
+            s.MainWindow->UnloadForm();
+        else
+            Shutdown();
+    });
+}
+
+const char* const kUsage =
+    "Usage: brix [OPTION]... [SWITCH | FILE]...\n"
+    "Edits programs of MultiValue databases and local files.\n"
+    "\n"
+    "  /T=PROVIDER    provider of the host context (mvdb or file)\n"
+    "  /H=SERVER      connection to use; alone, it connects at once\n"
+    "  /A=ACCOUNT     account of the host context\n"
+    "  /F=FILE        file of the host context\n"
+    "  /I=ITEM        opens the item from the host context as it stands\n"
+    "  /L             opens what follows read only\n"
+    "  FILE           opens a local file\n"
+    "\n"
+    "Switches apply from left to right. A value or name with blanks is quoted as the\n"
+    "shell wants it: \"/F=MY FILE\" or \"my prog.bas\". An absolute path such as\n"
+    "/home/me/prog.bas is a file name.\n"
+    "\n"
+    "  --automation   start for automation clients (D-Bus service com.tolvek.Brix)\n"
+    "  --help         show this help and exit\n"
+    "  --version      show the version and exit\n";
 
 } // namespace
 
@@ -54,7 +102,10 @@ bool Main(QApplication& app) {
         auto* frame = new frmMain; // deletes itself when it closes
         state.MainWindow = frame;
         frame->Load();
-        frame->show();
+        frame->Dispatcher().UserTool = &Application::RaiseUserTool;
+        // An editor started for clients stays out of sight until one asks for it.
+        if (state.Mode == ProcessState::StartMode::User)
+            frame->show();
 
         QApplication::setOverrideCursor(Qt::WaitCursor);
         frame->SetPaneText(1, QString());
@@ -69,9 +120,11 @@ bool Main(QApplication& app) {
             return true;
         }
 
-        // A user start with nothing to show opens an empty document to type into.
-        if (state.Mode == ProcessState::StartMode::User && state.Documents->Count() == 0)
-            frame->NewDocument();
+        if (state.Mode == ProcessState::StartMode::User)
+            CommandLine::Process(state.CommandLine);
+
+        // After the command line, so that a client finds what it opened.
+        startAutomation();
 
         QApplication::restoreOverrideCursor();
     } catch (const BrixError& error) {
@@ -132,7 +185,12 @@ void Shutdown() {
     }
     state.Settings.reset();
 
+    // Clients holding the Application hear that the editor ends, settings written.
+    if (auto application = state.ActiveApplication.lock())
+        application->RaiseQuit();
+
     EditorFont::Remove(state.FontInstalled);
+    state.Automation.reset();
 
     // The event loop ends once the shutdown is through.
     QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit,
@@ -140,6 +198,17 @@ void Shutdown() {
 }
 
 int RunBrix(int argc, char** argv) {
+    // Answered before any window system is needed.
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0) {
+            std::fputs(kUsage, stdout);
+            return 0;
+        }
+        if (std::strcmp(argv[i], "--version") == 0) {
+            std::printf("brix %s\n", BRIX_VERSION);
+            return 0;
+        }
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Brix"));
     QApplication::setOrganizationName(QStringLiteral("Tolvek"));
@@ -147,9 +216,11 @@ int RunBrix(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     ProcessState& state = ProcessState::Instance();
-    state.Mode = app.arguments().contains(QStringLiteral("--automation"))
+    QStringList arguments = app.arguments().mid(1);
+    state.Mode = arguments.removeAll(QStringLiteral("--automation")) > 0
                      ? ProcessState::StartMode::Automation
                      : ProcessState::StartMode::User;
+    state.CommandLine = CommandLine::JoinArguments(arguments);
 
     // Ending signals (a logout, a closed terminal, Ctrl+C) close the frame without
     // questions; the changes go into recovery copies that the next start offers.

@@ -4,11 +4,14 @@
 
 void DocumentCollection::Add(const QString& key, std::shared_ptr<mvDocument> document) {
     Remove(key);
-    items_.push_back({key, std::move(document)});
+    items_.push_back({key, document});
+    if (Added)
+        Added(document);
 }
 
 void DocumentCollection::Remove(const QString& key) {
-    auto it = std::find_if(items_.begin(), items_.end(), [&](const Entry& e) { return e.key == key; });
+    auto it =
+        std::find_if(items_.begin(), items_.end(), [&](const Entry& e) { return e.key == key; });
     if (it == items_.end())
         return;
     // Destroying a document can call back into the collection; take it out first.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -20,6 +21,10 @@ public:
     bool Contains(const QString& key) const { return Item(key) != nullptr; }
     // A copy, so that a walk may close documents as it goes.
     std::vector<std::shared_ptr<mvDocument>> Snapshot() const;
+
+    // Told of every document added, after it is in the collection (the automation server
+    // puts it on the bus).
+    std::function<void(const std::shared_ptr<mvDocument>&)> Added;
 
 private:
     struct Entry {

@@ -20,7 +20,9 @@ void CommandTool::SetCaption(const QString& caption) {
 void CommandTool::SetShortcut(const QString& shortcut) {
     shortcut_ = shortcut;
     if (action_)
-        action_->setShortcut(QKeySequence::fromString(shortcut, QKeySequence::PortableText));
+        action_->setShortcut(QKeySequence::fromString(
+            QString(shortcut).replace(QLatin1String("Bkspc"), QLatin1String("Backspace")),
+            QKeySequence::PortableText));
 }
 
 QString CommandTool::ToolTip() const {
