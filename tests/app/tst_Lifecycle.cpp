@@ -4,6 +4,7 @@
 #include "app/modMain.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvDocument.h"
+#include "settings/Moriox.h"
 #include "shell/frmMain.h"
 
 #include <QProcess>
@@ -13,7 +14,9 @@
 class tst_Lifecycle : public QObject {
     Q_OBJECT
 
-    static QString brix() { return qEnvironmentVariable("BRIX_BUILD_DIR") + QStringLiteral("/brix"); }
+    static QString brix() {
+        return qEnvironmentVariable("BRIX_BUILD_DIR") + QStringLiteral("/brix");
+    }
 
     // Starts the editor in a home of its own and waits until its frame is up.
     static bool startEditor(QProcess& process, const QString& home) {
@@ -58,15 +61,13 @@ private Q_SLOTS:
         QVERIFY(state.Documents);
         QCOMPARE(state.Host.Provider, QStringLiteral("mvdb"));
         QCOMPARE(state.Host.ServerName, QStringLiteral("*"));
-        QCOMPARE(state.ValueMark, QString(QChar(29)));
-        QCOMPARE(state.ValueMarkHost, QString(QChar(0xF8FD)));
-        QCOMPARE(state.PrintableMarks[0], QStringLiteral("\\"));
-        QCOMPARE(state.PrintableMarks[2], QStringLiteral("^"));
         QCOMPARE(state.MainWindow->windowTitle(), QStringLiteral("Brix - [NewItem1 (New)]"));
         QCOMPARE(state.Documents->Count(), 1);
 
         std::weak_ptr<mvDocument> document = state.Documents->At(0);
         QPointer<frmMain> frame = state.MainWindow.data();
+        const int32_t tabSize = state.Settings->TabSize + 1;
+        state.Settings->TabSize = tabSize;
         Shutdown();
         QVERIFY(state.ShutdownStarted);
         QVERIFY(!state.MainWindow);
@@ -75,8 +76,17 @@ private Q_SLOTS:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!frame);
 
-        Shutdown(); // a second run does nothing
-        QVERIFY(!state.MainWindow);
+        QVERIFY(!state.Settings);
+        // The settings went to the store on the way down.
+        Moriox reloaded;
+        reloaded.LoadSettings();
+        QCOMPARE(reloaded.TabSize, tabSize);
+
+        // A second run does nothing: it leaves alone what it would otherwise take down.
+        state.Settings = std::make_unique<Moriox>();
+        Shutdown();
+        QVERIFY(state.Settings);
+        state.Settings.reset();
     }
 };
 
