@@ -35,10 +35,9 @@ class tst_Lifecycle : public QObject {
     }
 
 private Q_SLOTS:
-    // The ending signals close the program through its orderly path.
+    // The ending signals close the program through its orderly path (SIGTERM: tst_modMain).
     void endingSignalsShutDownCleanly_data() {
         QTest::addColumn<int>("signal");
-        QTest::newRow("SIGTERM") << SIGTERM;
         QTest::newRow("SIGINT") << SIGINT;
         QTest::newRow("SIGHUP") << SIGHUP;
     }

@@ -269,20 +269,6 @@ private Q_SLOTS:
         QCOMPARE(account->LockHolder("BP", "FORMAT.AMOUNT"), qint64(::getpid()));
     }
 
-    // A second instance of the program meets the lock of the first.
-    void secondProcessSeesTheLock() {
-        auto d = mvDocument::Create();
-        QVERIFY(d->FileOpen(bp("HELLO"), false));
-        QProcess other;
-        HostAccountFixture::StartChild(other, "lock", account->ProfilesFile(), bp("HELLO"));
-        QVERIFY(other.waitForFinished(30000));
-        QVERIFY(QString::fromUtf8(other.readAllStandardOutput())
-                    .startsWith(QStringLiteral("Item HELLO in BP is locked by")));
-        d->FileClose(false);
-        HostAccountFixture::LockHolderProcess now(*account, bp("HELLO"));
-        QVERIFY(now.Holding());
-    }
-
     void recentPathOf_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("recent");
