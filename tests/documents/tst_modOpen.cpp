@@ -18,7 +18,6 @@
 
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QTimer>
 #include <sys/stat.h>
@@ -242,16 +241,6 @@ private Q_SLOTS:
                                     QString(Settings().TabSize, ' ') + QStringLiteral("2\r\n"));
         QCOMPARE(state().Host.Provider, QStringLiteral("file"));
         QCOMPARE(state().Host.Folder, account->LocalFolder());
-    }
-
-    void errorsOfTheConnectionAreShown() {
-        BoxAnswers& boxes = *answers;
-        auto d = mvDocument::Create();
-        QVERIFY(!d->FileOpen(QStringLiteral("mvdb://nowhere/DEMO/BP/HELLO"), false));
-        QCOMPARE(boxes.Seen.size(), 1);
-        QVERIFY(boxes.Seen[0].Text.startsWith(QStringLiteral("There is no connection named")));
-        QCOMPARE(boxes.Seen[0].Icon, int(QMessageBox::Warning));
-        QVERIFY(!d->DocumentResource());
     }
 
     // Opening again into an open document replaces its text and lock, and keeps the count.
