@@ -255,19 +255,6 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(SettingsSandbox::UserStoreFile() + QStringLiteral(".damaged")));
     }
 
-    void resultsFontNameDoesNotComeBack() {
-        SettingsSandbox sandbox(2);
-        Moriox saved;
-        saved.ResultsFontName = QStringLiteral("Arial");
-        saved.ResultsFontSize = QStringLiteral("12");
-        saved.SaveSettings();
-        QCOMPARE(stored(sandbox, QStringLiteral("ResultsFontName")), QStringLiteral("Arial"));
-        Moriox loaded;
-        loaded.LoadSettings();
-        QCOMPARE(loaded.ResultsFontName, QString());
-        QCOMPARE(loaded.ResultsFontSize, QStringLiteral("12"));
-    }
-
     void nowhereModeMigratesEveryStart() {
         SettingsSandbox sandbox(0);
         SettingsSandbox::WriteLegacy(QStringLiteral("FontSize"), QStringLiteral("12"));
@@ -463,17 +450,6 @@ private Q_SLOTS:
         Moriox reloaded;
         reloaded.LoadSettings();
         QVERIFY(reloaded == settings);
-    }
-
-    void unreadableStateFile() {
-        SettingsSandbox sandbox(2);
-        QVERIFY(QDir().mkpath(sandbox.StateFile()));
-        Moriox settings;
-        settings.TabSize = 7;
-        settings.LoadSettings();
-        settings.SaveSettings();
-        QCOMPARE(settings.TabSize, int16_t(3));
-        QVERIFY(QFileInfo(sandbox.StateFile()).isDir());
     }
 };
 
