@@ -60,6 +60,10 @@ private Q_SLOTS:
         QVERIFY(state.Documents);
         QCOMPARE(state.Host.Provider, QStringLiteral("mvdb"));
         QCOMPARE(state.Host.ServerName, QStringLiteral("*"));
+        // The mark strings are computed by start-up, not by the state's constructor.
+        QCOMPARE(state.ValueMark, QString(QChar(29)));
+        QCOMPARE(state.ValueMarkHost, QString(QChar(0xF8FD)));
+        QCOMPARE(state.PrintableMarks[2], QStringLiteral("^"));
         QCOMPARE(state.MainWindow->windowTitle(), QStringLiteral("Brix - [NewItem1 (New)]"));
         QCOMPARE(state.Documents->Count(), 1);
 
