@@ -4,6 +4,7 @@
 #include "app/modMain.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvDocument.h"
+#include "settings/Moriox.h"
 #include "shell/frmMain.h"
 
 #include <QProcess>
@@ -34,10 +35,9 @@ class tst_Lifecycle : public QObject {
     }
 
 private Q_SLOTS:
-    // The ending signals close the program through its orderly path.
+    // The ending signals close the program through its orderly path (SIGTERM: tst_modMain).
     void endingSignalsShutDownCleanly_data() {
         QTest::addColumn<int>("signal");
-        QTest::newRow("SIGTERM") << SIGTERM;
         QTest::newRow("SIGINT") << SIGINT;
         QTest::newRow("SIGHUP") << SIGHUP;
     }
@@ -60,9 +60,9 @@ private Q_SLOTS:
         QVERIFY(state.Documents);
         QCOMPARE(state.Host.Provider, QStringLiteral("mvdb"));
         QCOMPARE(state.Host.ServerName, QStringLiteral("*"));
+        // The mark strings are computed by start-up, not by the state's constructor.
         QCOMPARE(state.ValueMark, QString(QChar(29)));
         QCOMPARE(state.ValueMarkHost, QString(QChar(0xF8FD)));
-        QCOMPARE(state.PrintableMarks[0], QStringLiteral("\\"));
         QCOMPARE(state.PrintableMarks[2], QStringLiteral("^"));
         // A start with an empty command line opens nothing.
         QCOMPARE(state.MainWindow->windowTitle(), QStringLiteral("Brix"));
@@ -71,6 +71,8 @@ private Q_SLOTS:
         state.MainWindow->NewDocument();
         std::weak_ptr<mvDocument> document = state.Documents->At(0);
         QPointer<frmMain> frame = state.MainWindow.data();
+        const int32_t tabSize = state.Settings->TabSize + 1;
+        state.Settings->TabSize = tabSize;
         Shutdown();
         QVERIFY(state.ShutdownStarted);
         QVERIFY(!state.MainWindow);
@@ -79,8 +81,17 @@ private Q_SLOTS:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!frame);
 
-        Shutdown(); // a second run does nothing
-        QVERIFY(!state.MainWindow);
+        QVERIFY(!state.Settings);
+        // The settings went to the store on the way down.
+        Moriox reloaded;
+        reloaded.LoadSettings();
+        QCOMPARE(reloaded.TabSize, tabSize);
+
+        // A second run does nothing: it leaves alone what it would otherwise take down.
+        state.Settings = std::make_unique<Moriox>();
+        Shutdown();
+        QVERIFY(state.Settings);
+        state.Settings.reset();
     }
 };
 

@@ -18,7 +18,6 @@
 
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QTimer>
 #include <sys/stat.h>
@@ -244,16 +243,6 @@ private Q_SLOTS:
         QCOMPARE(state().Host.Folder, account->LocalFolder());
     }
 
-    void errorsOfTheConnectionAreShown() {
-        BoxAnswers& boxes = *answers;
-        auto d = mvDocument::Create();
-        QVERIFY(!d->FileOpen(QStringLiteral("mvdb://nowhere/DEMO/BP/HELLO"), false));
-        QCOMPARE(boxes.Seen.size(), 1);
-        QVERIFY(boxes.Seen[0].Text.startsWith(QStringLiteral("There is no connection named")));
-        QCOMPARE(boxes.Seen[0].Icon, int(QMessageBox::Warning));
-        QVERIFY(!d->DocumentResource());
-    }
-
     // Opening again into an open document replaces its text and lock, and keeps the count.
     void reopeningReplacesResourceAndCountsOnce() {
         auto d = mvDocument::Create();
@@ -267,20 +256,6 @@ private Q_SLOTS:
         QCOMPARE(frame->DocumentCount, int16_t(1));
         QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
         QCOMPARE(account->LockHolder("BP", "FORMAT.AMOUNT"), qint64(::getpid()));
-    }
-
-    // A second instance of the program meets the lock of the first.
-    void secondProcessSeesTheLock() {
-        auto d = mvDocument::Create();
-        QVERIFY(d->FileOpen(bp("HELLO"), false));
-        QProcess other;
-        HostAccountFixture::StartChild(other, "lock", account->ProfilesFile(), bp("HELLO"));
-        QVERIFY(other.waitForFinished(30000));
-        QVERIFY(QString::fromUtf8(other.readAllStandardOutput())
-                    .startsWith(QStringLiteral("Item HELLO in BP is locked by")));
-        d->FileClose(false);
-        HostAccountFixture::LockHolderProcess now(*account, bp("HELLO"));
-        QVERIFY(now.Holding());
     }
 
     void recentPathOf_data() {
@@ -339,17 +314,27 @@ private Q_SLOTS:
     }
 
     // File Open: the browser starts at the host context, and each chosen item becomes a
-    // document with the lock or read-only state that the browser took.
+    // document with the lock or read-only state that the browser took; an item locked by
+    // someone else is asked about in the program's own box.
     void openCommand_data() {
         QTest::addColumn<bool>("readOnly");
         QTest::addColumn<bool>("cancel");
-        QTest::newRow("locked") << false << false;
-        QTest::newRow("read only") << true << false;
-        QTest::newRow("cancelled") << false << true;
+        QTest::addColumn<bool>("lockedByOther");
+        QTest::newRow("locked") << false << false << false;
+        QTest::newRow("read only") << true << false << false;
+        QTest::newRow("cancelled") << false << true << false;
+        QTest::newRow("locked by other, Yes") << false << false << true;
     }
     void openCommand() {
         QFETCH(bool, readOnly);
         QFETCH(bool, cancel);
+        QFETCH(bool, lockedByOther);
+        std::unique_ptr<HostAccountFixture::LockHolderProcess> holder;
+        if (lockedByOther) {
+            holder = std::make_unique<HostAccountFixture::LockHolderProcess>(*account, bp("HELLO"));
+            QVERIFY(holder->Holding());
+            answers->Push(MsgBox::Yes);
+        }
         state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
                         QStringLiteral("BP")};
         QString startFile;
@@ -374,38 +359,26 @@ private Q_SLOTS:
             QVERIFY(DocumentFrame::RecentItems().isEmpty());
             return;
         }
+        QCOMPARE(answers->Seen.size(), lockedByOther ? 1 : 0);
+        if (lockedByOther) {
+            QVERIFY(answers->Seen[0].Text.startsWith(
+                QStringLiteral("HELLO is locked by another user or process. Open in \"read "
+                               "only\" mode instead?")));
+            QCOMPARE(answers->Seen[0].Caption, QStringLiteral("Brix"));
+        }
         QCOMPARE(state().Documents->Count(), 2);
         for (const auto& d : state().Documents->Snapshot()) {
-            QCOMPARE(d->ReadOnly(), readOnly);
-            QVERIFY(d->View()->Title().endsWith(readOnly ? " on TEST (Read only)" : " on TEST"));
-            QCOMPARE(account->LockHolder("BP", d->ItemID()), readOnly ? 0 : qint64(::getpid()));
+            const bool other = lockedByOther && d->ItemID() == "HELLO";
+            QCOMPARE(d->ReadOnly(), readOnly || other);
+            QVERIFY(
+                d->View()->Title().endsWith(d->ReadOnly() ? " on TEST (Read only)" : " on TEST"));
+            QCOMPARE(account->LockHolder("BP", d->ItemID()), other      ? holder->Pid()
+                                                             : readOnly ? 0
+                                                                        : qint64(::getpid()));
         }
         QCOMPARE(DocumentFrame::RecentItems(),
                  (QStringList{"mvdb://*/*/BP/FORMAT.AMOUNT", "mvdb://*/*/BP/HELLO"}));
         QCOMPARE(frame->DocumentCount, int16_t(2));
-    }
-
-    // The browser asks about an item locked by someone else in the program's own box.
-    void openCommandOnALockedItem() {
-        HostAccountFixture::LockHolderProcess holder(*account, bp("HELLO"));
-        QVERIFY(holder.Holding());
-        state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
-                        QStringLiteral("BP")};
-        answers->Push(MsgBox::Yes);
-        DocumentFrame::WhenBrowserShows([](frmBrowse& browser) {
-            browser.findChild<QLineEdit*>(QStringLiteral("txtName"))
-                ->setText(QStringLiteral("HELLO"));
-            browser.accept();
-        });
-        frame->OpenDocument();
-        QCOMPARE(answers->Seen.size(), 1);
-        QVERIFY(answers->Seen[0].Text.startsWith(
-            QStringLiteral("HELLO is locked by another user or process. Open in \"read only\" "
-                           "mode instead?")));
-        QCOMPARE(answers->Seen[0].Caption, QStringLiteral("Brix"));
-        QCOMPARE(state().Documents->Count(), 1);
-        QVERIFY(state().Documents->At(0)->ReadOnly());
-        QCOMPARE(account->LockHolder("BP", "HELLO"), holder.Pid());
     }
 
     // Files dropped on the frame: each opens, a missing one asks, a folder is refused; only

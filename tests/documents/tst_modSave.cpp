@@ -100,65 +100,73 @@ private Q_SLOTS:
     void init() { session.StartTest(); }
     void cleanup() { session.EndTest(false); }
 
-    void fileSaveWritesAndKeepsTheLock() {
-        auto d = editedItem("HELLO", "* saved\n");
-        QVERIFY(d);
-        QVERIFY(d->IsDirty());
-        const QByteArray before = account->ReadItem("BP", "HELLO");
+    // FileSave and FileSaveAs on a document opened on an item (read only, or missing and
+    // created with Yes) or made new: the messages, and where text, lock and context end up.
+    void fileSave_data() {
+        QTest::addColumn<QString>("start");  // an item of BP, "<item> ro", or empty for new
+        QTest::addColumn<QString>("saveAs"); // empty: FileSave
+        QTest::addColumn<QStringList>("messages");
+        QTest::addColumn<QString>("written"); // the BP item that gets the text; empty: none
+        const QString noName = QStringLiteral("Cannot save document - file name and/or item ID "
+                                              "missing!");
+        QTest::newRow("item") << "HELLO" << QString() << QStringList() << "HELLO";
+        QTest::newRow("never saved") << "" << QString() << QStringList{noName} << "";
+        QTest::newRow("read only")
+            << "HELLO ro" << QString()
+            << QStringList{"Cannot save BP HELLO - document is read-only!"} << "";
+        // Yes to "does not exist": written without an overwrite question, and no longer new.
+        QTest::newRow("created item")
+            << "FRESH" << QString() << QStringList{"Item FRESH does not exist. Create new item?"}
+            << "FRESH";
+        QTest::newRow("as an item") << "" << bp("COPY") << QStringList() << "COPY";
+        QTest::newRow("as a folder")
+            << "" << HostAccountFixture::ItemPath("BP", "") << QStringList{noName} << "";
+        QTest::newRow("as an item of an unknown account")
+            << ""
+            << "mvdb://*/NOBODY/BP/X" << QStringList{"There is no account \"NOBODY\" on test."}
+            << "";
+    }
+    void fileSave() {
+        QFETCH(QString, start);
+        QFETCH(QString, saveAs);
+        QFETCH(QStringList, messages);
+        QFETCH(QString, written);
+        const QString item = start.section(' ', 0, 0);
+        auto d = mvDocument::Create();
+        if (start.isEmpty()) {
+            QVERIFY(d->FileNew());
+        } else {
+            if (item == "FRESH")
+                answers->Push(MsgBox::Yes);
+            QVERIFY(d->FileOpen(bp(item), start.endsWith(" ro")));
+        }
+        d->Editor()->SetCursor(0, 0);
+        d->SetSelText(QStringLiteral("* saved\n"));
+        const QByteArray hello = account->ReadItem("BP", "HELLO");
+        const QByteArray before =
+            written == item && !d->NewItem() ? account->ReadItem("BP", written) : "";
         state().Host = HostContext();
-        QVERIFY(d->FileSave());
-        QCOMPARE(account->ReadItem("BP", "HELLO"), "* saved\n" + before);
+        QCOMPARE(saveAs.isEmpty() ? d->FileSave() : d->FileSaveAs(saveAs), !written.isEmpty());
+        QCOMPARE(answers->Texts(), messages);
+        if (written.isEmpty()) {
+            QCOMPARE(answers->Seen.last().Icon, int(QMessageBox::Warning));
+            QVERIFY(d->IsDirty());
+            QCOMPARE(account->ReadItem("BP", "HELLO"), hello);
+            return;
+        }
+        QCOMPARE(account->ReadItem("BP", written), "* saved\n" + before);
         QVERIFY(!d->IsDirty());
-        QCOMPARE(d->View()->Title(), QStringLiteral("BP HELLO on TEST"));
+        QVERIFY(!d->NewItem());
+        QCOMPARE(d->View()->Title(), QStringLiteral("BP ") + written + QStringLiteral(" on TEST"));
         QCOMPARE(state().Host.Folder, QStringLiteral("BP"));
         QCOMPARE(state().Host.Database, QStringLiteral("DEMO"));
-        QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(::getpid()));
+        QCOMPARE(account->LockHolder("BP", written), qint64(::getpid()));
         QCOMPARE(frame->PaneText(1), QString());
-        QVERIFY(answers->Seen.isEmpty());
         // The lock stays, so a second save goes through as well.
         d->Editor()->SetCursor(0, 0);
         QTest::keyClicks(d->Editor(), QStringLiteral("*"));
         QVERIFY(d->FileSave());
-        QCOMPARE(account->ReadItem("BP", "HELLO"), "** saved\n" + before);
-    }
-
-    void fileSaveRefusals_data() {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("never saved") << "new"
-                                     << "Cannot save document - file name and/or item ID missing!";
-        QTest::newRow("read only") << "readonly"
-                                   << "Cannot save BP HELLO - document is read-only!";
-    }
-    void fileSaveRefusals() {
-        QFETCH(QString, kind);
-        QFETCH(QString, message);
-        auto d = mvDocument::Create();
-        if (kind == "new")
-            QVERIFY(d->FileNew());
-        else
-            QVERIFY(d->FileOpen(bp("HELLO"), true));
-        QTest::keyClicks(d->Editor(), QStringLiteral("x"));
-        const QByteArray before = account->ReadItem("BP", "HELLO");
-        QVERIFY(!d->FileSave());
-        QCOMPARE(answers->Texts(), QStringList{message});
-        QCOMPARE(answers->Seen[0].Icon, int(QMessageBox::Warning));
-        QVERIFY(d->IsDirty());
-        QCOMPARE(account->ReadItem("BP", "HELLO"), before);
-    }
-
-    // A new, named item (Yes to "does not exist") is written without an overwrite question
-    // and stops being new.
-    void fileSaveCreatesANewItem() {
-        answers->Push(MsgBox::Yes);
-        auto d = mvDocument::Create();
-        QVERIFY(d->FileOpen(bp("FRESH"), false));
-        QTest::keyClicks(d->Editor(), QStringLiteral("PRINT 1"));
-        QVERIFY(d->FileSave());
-        QCOMPARE(answers->Seen.size(), 1);
-        QCOMPARE(account->ReadItem("BP", "FRESH"), QByteArray("PRINT 1"));
-        QCOMPARE(d->View()->Title(), QStringLiteral("BP FRESH on TEST"));
-        QVERIFY(!d->NewItem());
+        QCOMPARE(account->ReadItem("BP", written), "** saved\n" + before);
     }
 
     // A write that fails keeps the text and its modified state, and the item on the host
@@ -299,30 +307,6 @@ private Q_SLOTS:
             if (!targetLockedByOther && !mvPath::Same(target, bp("HELLO")))
                 QCOMPARE(account->LockHolder(parts.Folder, parts.ItemID), qint64(0));
         }
-    }
-
-    void fileSaveAs_data() {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<bool>("saved");
-        QTest::addColumn<QStringList>("messages");
-        QTest::newRow("item") << bp("COPY") << true << QStringList();
-        QTest::newRow("folder") << HostAccountFixture::ItemPath("BP", "") << false
-                                << QStringList{"Cannot save document - file name and/or item ID "
-                                               "missing!"};
-        QTest::newRow("unknown account") << "mvdb://*/NOBODY/BP/X" << false
-                                         << QStringList{"There is no account \"NOBODY\" on test."};
-    }
-    void fileSaveAs() {
-        QFETCH(QString, path);
-        QFETCH(bool, saved);
-        QFETCH(QStringList, messages);
-        auto d = mvDocument::Create();
-        QVERIFY(d->FileNew());
-        QTest::keyClicks(d->Editor(), QStringLiteral("END"));
-        QCOMPARE(d->FileSaveAs(path), saved);
-        QCOMPARE(answers->Texts(), messages);
-        if (saved)
-            QCOMPARE(account->ReadItem("BP", "COPY"), QByteArray("END"));
     }
 
     // Save As through the browser: the recent list follows the document to its new name.

@@ -2,13 +2,11 @@
 #include "TestEnv.h"
 
 #include "documents/ConnectionErrors.h"
-#include "documents/ItemLock.h"
 #include "documents/mvConnection.h"
 #include "documents/mvHost.h"
 #include "documents/mvResource.h"
 
 #include <QTemporaryDir>
-#include <sys/stat.h>
 
 // The connection service: path strings, profiles from the connections file, resources as
 // GetResource hands them out, and commands on a host.
@@ -169,36 +167,6 @@ private Q_SLOTS:
         }
         auto other = connection().GetResource(QStringLiteral("mvdb://*/other/BP/X"), true, false);
         QVERIFY(!other->Exists());
-    }
-
-    void lockRefusedOnlyWhenAskedFor() {
-        const QString entry = accounts + QStringLiteral("/ACC/.brix-locks/") +
-                              ItemLock::EntryName(QStringLiteral("BP"), QStringLiteral("MAIN"));
-        ItemLock::Holder other = ItemLock::Holder::Self();
-        other.Machine = QStringLiteral("far-away");
-        FileTestSupport::WriteFile(entry, other.ToBytes());
-        const QString path = QStringLiteral("mvdb://*/ACC/BP/MAIN");
-        QString description;
-        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, false, true); },
-                                          &description),
-                 BrixErrors::LockedByOther);
-        QVERIFY(description.contains(QStringLiteral("far-away")));
-        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, true, true); }), 0);
-        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, false, false); }),
-                 0);
-        QFile::remove(entry);
-    }
-
-    void unwritableItemCannotBeOpenedForWriting() {
-        const QString file = accounts + QStringLiteral("/ACC/BP/RO");
-        FileTestSupport::WriteFile(file, "x");
-        ::chmod(QFile::encodeName(file).constData(), 0444);
-        const QString path = QStringLiteral("mvdb://*/ACC/BP/RO");
-        QCOMPARE(FileTestSupport::ErrorOf([&] { connection().GetResource(path, false, true); }),
-                 BrixErrors::CannotWrite);
-        auto r = connection().GetResource(path, true, false);
-        QVERIFY(r->ReadOnly());
-        QVERIFY(connection().GetResource(path, false, false)->ReadOnly());
     }
 
     void readableFailures_data() {

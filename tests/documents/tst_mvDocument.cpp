@@ -77,8 +77,6 @@ private Q_SLOTS:
         QVERIFY(d->FileNew());
         QTest::keyClicks(d->Editor(), QStringLiteral("x"));
         QVERIFY(d->IsDirty());
-        d->SetDirty(false);
-        QVERIFY(!d->IsDirty());
     }
 
     void makeNewStartsClean() {
@@ -179,15 +177,6 @@ private Q_SLOTS:
                  QStringLiteral("Brix - [") + d->TitleText() + QStringLiteral("]"));
         window->showNormal();
         QTRY_COMPARE(frame->windowTitle(), QStringLiteral("Brix"));
-    }
-
-    void highlightStartsFromTheSetting() {
-        Settings().Highlight = false;
-        auto d = mvDocument::Create();
-        QVERIFY(!d->Highlight());
-        Settings().Highlight = true;
-        d->SetHighlight(true);
-        QVERIFY(d->Highlight());
     }
 };
 

@@ -190,15 +190,6 @@ private Q_SLOTS:
             QVERIFY(sandbox.StateFileText().contains(QLatin1String("B=\" b \"")));
     }
 
-    void nowhereMode() {
-        SettingsSandbox sandbox(0);
-        write(QString(), QStringLiteral("7"));
-        write(QStringLiteral("FontSize"), QStringLiteral("12"));
-        QCOMPARE(read(QString()), QStringLiteral("<default>"));
-        QVERIFY(!QFileInfo::exists(SettingsStore::StateFile()));
-        QVERIFY(!QFileInfo::exists(SettingsSandbox::UserStoreFile()));
-    }
-
     void unreadableStateFile() {
         SettingsSandbox sandbox(2);
         QVERIFY(QDir().mkpath(sandbox.StateFile()));

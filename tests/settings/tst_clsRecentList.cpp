@@ -43,13 +43,6 @@ class tst_clsRecentList : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void newList() {
-        const clsRecentList list;
-        QCOMPARE(list.ListSize(), int16_t(4));
-        QCOMPARE(list.MaxListSize(), int16_t(30));
-        QCOMPARE(list.ListCount(), int16_t(0));
-    }
-
     void orderAndBounds_data() {
         QTest::addColumn<QStringList>("steps");
         QTest::addColumn<QStringList>("expected");

@@ -1,29 +1,40 @@
+#include "SettingsSandbox.h"
 #include "TestEnv.h"
 
 #include "support/EditorFont.h"
 
 #include <QFile>
+#include <QFontDatabase>
 
 class tst_EditorFont : public QObject {
     Q_OBJECT
 
-private Q_SLOTS:
-    void withoutTheFile() {
-        QTemporaryDir dir;
-        bool installed = EditorFont::Add(dir.path());
-        QVERIFY(!installed);
-        EditorFont::Remove(installed);
-        QVERIFY(!installed);
+    // The fonts this process has added that still give a family.
+    static int applicationFonts() {
+        int count = 0;
+        for (int id = 0; id < 64; ++id)
+            count += !QFontDatabase::applicationFontFamilies(id).isEmpty();
+        return count;
     }
 
-    void notAFont() {
+private Q_SLOTS:
+    // No file, or one that is no font: nothing is taken.
+    void refused_data() {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("no file") << QByteArray();
+        QTest::newRow("not a font") << Bytes("\x00\x01\x00\x00 not really a font");
+    }
+    void refused() {
+        QFETCH(QByteArray, content);
         QTemporaryDir dir;
         QFile file(dir.filePath(QStringLiteral("mvluconw.ttf")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        const char junk[] = "\x00\x01\x00\x00 not really a font";
-        file.write(junk, sizeof junk - 1);
-        file.close();
+        if (!content.isEmpty()) {
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(content);
+            file.close();
+        }
         QVERIFY(!EditorFont::Add(dir.path()));
+        QCOMPARE(applicationFonts(), 0);
     }
 
     // Any TrueType file under that name is taken for this process and given back at the end.
@@ -36,11 +47,14 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(source, dir.filePath(QStringLiteral("mvluconw.ttf"))));
         bool installed = EditorFont::Add(dir.path());
         QVERIFY(installed);
+        QCOMPARE(applicationFonts(), 1);
+        // Without the flag the font stays.
+        bool notInstalled = false;
+        EditorFont::Remove(notInstalled);
+        QCOMPARE(applicationFonts(), 1);
         EditorFont::Remove(installed);
         QVERIFY(!installed);
-        // A second removal does nothing.
-        EditorFont::Remove(installed);
-        QVERIFY(!installed);
+        QCOMPARE(applicationFonts(), 0);
     }
 };
 

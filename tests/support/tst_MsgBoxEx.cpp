@@ -31,33 +31,49 @@ class tst_MsgBoxEx : public QObject {
 private Q_SLOTS:
     void cleanup() { MsgBox::SetAnswerProvider({}); }
 
+    // The buttons of each set, in order, and the check box with its default or own words.
     void buttonSets_data() {
         QTest::addColumn<int32_t>("type");
+        QTest::addColumn<QString>("checkText"); // given to the call
         QTest::addColumn<QStringList>("buttons");
-        QTest::newRow("OK") << MsgBox::OKOnly << QStringList{"OK"};
-        QTest::newRow("OK, Cancel") << MsgBox::OKCancel << QStringList{"OK", "Cancel"};
-        QTest::newRow("Abort, Retry, Ignore")
-            << MsgBox::AbortRetryIgnore << QStringList{"&Abort", "&Retry", "&Ignore"};
+        QTest::addColumn<QString>("checkBox"); // as shown; empty: none
+        const QString none;
+        QTest::newRow("OK") << MsgBox::OKOnly << none << QStringList{"OK"} << none;
+        QTest::newRow("OK, Cancel")
+            << MsgBox::OKCancel << none << QStringList{"OK", "Cancel"} << none;
+        QTest::newRow("Abort, Retry, Ignore") << MsgBox::AbortRetryIgnore << none
+                                              << QStringList{"&Abort", "&Retry", "&Ignore"} << none;
         QTest::newRow("Yes, No, Cancel")
-            << MsgBox::YesNoCancel << QStringList{"&Yes", "&No", "Cancel"};
-        QTest::newRow("Yes, No") << MsgBox::YesNo << QStringList{"&Yes", "&No"};
-        QTest::newRow("Retry, Cancel") << MsgBox::RetryCancel << QStringList{"&Retry", "Cancel"};
+            << MsgBox::YesNoCancel << none << QStringList{"&Yes", "&No", "Cancel"} << none;
+        QTest::newRow("Yes, No, words without check box")
+            << MsgBox::YesNo << "ignored" << QStringList{"&Yes", "&No"} << none;
+        QTest::newRow("Retry, Cancel, check box")
+            << (MsgBox::RetryCancel | MsgBox::CheckBox) << none << QStringList{"&Retry", "Cancel"}
+            << "Do not show this &warning again";
         QTest::newRow("Cancel, Try Again, Continue")
-            << MsgBox::CancelTryContinue << QStringList{"Cancel", "&Try Again", "&Continue"};
-        QTest::newRow("type 9") << MsgBox::YesToAllNo << QStringList{"&Yes", "Yes to &All", "&No"};
-        QTest::newRow("type 10") << MsgBox::YesToAllNoCancel
-                                 << QStringList{"&Yes", "Yes to &All", "&No"};
+            << MsgBox::CancelTryContinue << none << QStringList{"Cancel", "&Try Again", "&Continue"}
+            << none;
+        QTest::newRow("type 9, own words")
+            << (MsgBox::YesToAllNo | MsgBox::CheckBox) << "&Skip these"
+            << QStringList{"&Yes", "Yes to &All", "&No"} << "&Skip these";
+        QTest::newRow("type 10") << MsgBox::YesToAllNoCancel << none
+                                 << QStringList{"&Yes", "Yes to &All", "&No"} << none;
     }
     void buttonSets() {
         QFETCH(int32_t, type);
+        QFETCH(QString, checkText);
         QFETCH(QStringList, buttons);
+        QFETCH(QString, checkBox);
         QStringList seen;
+        QString seenCheck = QStringLiteral("<none>");
         MsgBox::SetAnswerProvider([&](QMessageBox& box) {
             seen = texts(box);
+            seenCheck = box.checkBox() ? box.checkBox()->text() : QString();
             box.buttons().first()->click();
         });
-        QVERIFY(MsgBoxEx(QStringLiteral("Pick"), type) != 0);
+        QVERIFY(MsgBoxEx(QStringLiteral("Pick"), type, QStringLiteral("Brix"), checkText) != 0);
         QCOMPARE(seen, buttons);
+        QCOMPARE(seenCheck, checkBox);
     }
 
     // Each way of answering and the code it gives: a button (by its answer), "esc",
@@ -135,29 +151,6 @@ private Q_SLOTS:
         QCOMPARE(MsgBoxEx(QStringLiteral("Answer me"), flags), result);
         QCOMPARE(stayedOpen, !closedByKey);
         QVERIFY(!MsgBox::IsOpen());
-    }
-
-    void checkBoxWording_data() {
-        QTest::addColumn<int32_t>("flags");
-        QTest::addColumn<QString>("given");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("default") << MsgBox::CheckBox << QString()
-                                 << QStringLiteral("Do not show this &warning again");
-        QTest::newRow("own words")
-            << MsgBox::CheckBox << QStringLiteral("&Skip these") << QStringLiteral("&Skip these");
-        QTest::newRow("no check box") << 0 << QStringLiteral("ignored") << QString();
-    }
-    void checkBoxWording() {
-        QFETCH(int32_t, flags);
-        QFETCH(QString, given);
-        QFETCH(QString, shown);
-        QString seen = QStringLiteral("<none>");
-        MsgBox::SetAnswerProvider([&](QMessageBox& box) {
-            seen = box.checkBox() ? box.checkBox()->text() : QString();
-            box.buttons().first()->click();
-        });
-        MsgBoxEx(QStringLiteral("x"), flags, QStringLiteral("Brix"), given);
-        QCOMPARE(seen, shown);
     }
 
     // Caption, icon and text as given; the text is shown as plain text, line ends as lines.
