@@ -153,7 +153,7 @@ bool DocumentAdaptor::FileClose(const QDBusMessage& call) {
 }
 
 void DocumentAdaptor::PrintText(const QDBusMessage& call) {
-    AutomationReply::SendError(call, NotSupported, QStringLiteral("Printing is not available"));
+    AutomationReply::Run(call, "", [&] { document()->PrintText(); });
 }
 
 void DocumentAdaptor::Compile(const QDBusMessage& call) {

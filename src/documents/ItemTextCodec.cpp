@@ -139,6 +139,7 @@ void ItemTextCodec::decodeUtf8(const QByteArray& bytes, QString& out) {
         ++i;
     }
     out.resize(o - out.data());
+    settleMarkForm(sawRaw, sawUtf8);
 }
 
 void ItemTextCodec::AcceptBothMarkForms(bool rawForUnmarked) {

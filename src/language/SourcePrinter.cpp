@@ -119,9 +119,10 @@ bool SourcePrinter::PrintLines(SourceView& source, ISourceDraw2& hook, bool colo
         const long from = source.SendScintilla(Sci::SCI_POSITIONFROMLINE, line) - start;
         const long to = source.SendScintilla(Sci::SCI_GETLINEENDPOSITION, line) - start;
         for (long at = from; at < to; ++at) {
-            text += styled[2 * at];
-            styles +=
-                styled[2 * at + 1] == ScintillaBuffer::PendingStyle ? '\0' : styled[2 * at + 1];
+            const char character = styled.at(static_cast<qsizetype>(2 * at));
+            const char style = styled.at(static_cast<qsizetype>(2 * at + 1));
+            text += character;
+            styles += style == ScintillaBuffer::PendingStyle ? '\0' : style;
         }
         if (line < last) {
             text += '\n';
