@@ -3,6 +3,7 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
+#include "editing/frmGoto.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
@@ -57,6 +58,9 @@ bool Main(QApplication& app) {
 
         QApplication::setOverrideCursor(Qt::WaitCursor);
         frame->SetPaneText(1, QString());
+
+        // Loaded ahead of any use and kept until shutdown.
+        frmGoto::Instance();
 
         // A user start with nothing to show opens an empty document to type into.
         if (state.Mode == ProcessState::StartMode::User && state.Documents->Count() == 0)
