@@ -96,7 +96,7 @@ long TextSearch::Forward(long from, long to, long& length) const {
     if (m == 0 || to - from < m)
         return -1;
     if (!byteMatch_)
-        return componentSearch(from, to, false, length);
+        return foldedSearch(from, to, false, length);
     const char* text = bytes(from, to);
     const long n = to - from;
     const auto last = static_cast<unsigned char>(needle_.at(m - 1));
@@ -121,7 +121,7 @@ long TextSearch::Backward(long from, long to, long& length) const {
     if (m == 0 || to - from < m)
         return -1;
     if (!byteMatch_)
-        return componentSearch(from, to, true, length);
+        return foldedSearch(from, to, true, length);
     const char* text = bytes(from, to);
     const auto first = static_cast<unsigned char>(needle_.at(0));
     for (long p = to - from - m; p >= 0;) {
@@ -138,34 +138,36 @@ long TextSearch::Backward(long from, long to, long& length) const {
     return -1;
 }
 
-long TextSearch::componentSearch(long from, long to, bool backward, long& length) const {
-    const long flags = matchCase_ ? QsciScintillaBase::SCFIND_MATCHCASE : 0;
-    editor_.SendScintilla(QsciScintillaBase::SCI_SETSEARCHFLAGS, static_cast<unsigned long>(flags));
-    long start = from;
-    long end = to;
-    while (start < end) {
-        if (backward)
-            editor_.SendScintilla(QsciScintillaBase::SCI_SETTARGETRANGE,
-                                  static_cast<unsigned long>(end), start);
-        else
-            editor_.SendScintilla(QsciScintillaBase::SCI_SETTARGETRANGE,
-                                  static_cast<unsigned long>(start), end);
-        const long found =
-            editor_.SendScintilla(QsciScintillaBase::SCI_SEARCHINTARGET,
-                                  static_cast<unsigned long>(needle_.size()), needle_.constData());
-        if (found < 0)
-            return -1;
-        const long foundEnd = editor_.SendScintilla(QsciScintillaBase::SCI_GETTARGETEND);
-        if (!wholeWord_ || wholeWordAt(found, foundEnd - found)) {
-            length = foundEnd - found;
-            return found;
+long TextSearch::foldedSearch(long from, long to, bool backward, long& length) const {
+    // Line by line, each line decoded and compared with case folding; a needle of ASCII
+    // letters never comes here.
+    const QString needle = QString::fromUtf8(needle_);
+    const char* text = bytes(from, to);
+    const long n = to - from;
+    long best = -1;
+    long lineStart = 0;
+    while (lineStart <= n) {
+        const void* found = std::memchr(text + lineStart, '\n', static_cast<size_t>(n - lineStart));
+        const long lineEnd = found ? static_cast<const char*>(found) - text : n;
+        const QString line =
+            QString::fromUtf8(text + lineStart, static_cast<qsizetype>(lineEnd - lineStart));
+        qsizetype at = backward ? line.lastIndexOf(needle, -1, Qt::CaseInsensitive)
+                                : line.indexOf(needle, 0, Qt::CaseInsensitive);
+        while (at >= 0) {
+            const long start = from + lineStart + QStringView(line).left(at).toUtf8().size();
+            const long size = QStringView(line).mid(at, needle.size()).toUtf8().size();
+            if (!wholeWord_ || wholeWordAt(start, size)) {
+                length = size;
+                if (!backward)
+                    return start;
+                best = start;
+                break;
+            }
+            text = bytes(from, to);
+            at = backward ? (at > 0 ? line.lastIndexOf(needle, at - 1, Qt::CaseInsensitive) : -1)
+                          : line.indexOf(needle, at + 1, Qt::CaseInsensitive);
         }
-        // On past this match, one character at a time.
-        if (backward)
-            end = foundEnd - 1;
-        else
-            start = editor_.SendScintilla(QsciScintillaBase::SCI_POSITIONAFTER,
-                                          static_cast<unsigned long>(found));
+        lineStart = lineEnd + 1;
     }
-    return -1;
+    return best;
 }

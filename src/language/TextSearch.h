@@ -9,7 +9,7 @@ class QsciScintillaBase;
 // Looks for a piece of text in the editor component's own bytes (UTF-8), reading them in
 // place: nothing of the document is copied. ASCII text is matched with a skip table, so a
 // search through tens of megabytes takes milliseconds; text with other letters, looked
-// for without regard to case, goes to the component's own search, which folds them.
+// for without regard to case, is compared line by line with Unicode case folding.
 // Positions are byte positions of the component; a match never crosses a line end.
 class TextSearch {
 public:
@@ -31,7 +31,7 @@ private:
     const char* bytes(long from, long to) const;
     bool equalAt(const char* at) const;
     bool wholeWordAt(long position, long length) const;
-    long componentSearch(long from, long to, bool backward, long& length) const;
+    long foldedSearch(long from, long to, bool backward, long& length) const;
     uint32_t codePointBefore(long position) const;
     uint32_t codePointAt(long position) const;
 
