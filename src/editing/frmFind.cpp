@@ -197,7 +197,7 @@ QWidget* frmFind::boxOwner() {
 bool frmFind::FindNext() {
     const QString text = txtFind->text();
     auto document = activeDocument();
-    if (!document)
+    if (!document || text.isEmpty())
         return false;
     document_ = document;
     const bool fresh = readScope(*document);
@@ -240,17 +240,17 @@ bool frmFind::wrapSearch(mvDocument& document, const QString& text, bool up) {
 }
 
 void frmFind::ReplaceNext() {
+    const QString text = txtFind->text();
     auto document = activeDocument();
-    if (!document)
+    if (!document || text.isEmpty())
         return;
     document_ = document;
     const bool fresh = readScope(*document);
-    const QString text = txtFind->text();
     const QString replacement = txtRepl->text();
     const QString selected = document->SelectedText();
     const bool same = chkMatchCase->isChecked() ? selected == text
                                                 : selected.compare(text, Qt::CaseInsensitive) == 0;
-    if (same && !text.isEmpty()) {
+    if (same) {
         int32_t startColumn = 0, startLine = 0, endColumn = 0, endLine = 0;
         document->Editor()->GetSelection(startColumn, startLine, endColumn, endLine);
         document->ReplaceSelection(replacement);

@@ -77,7 +77,14 @@ void CursorCommands::HandleOpen(const std::shared_ptr<mvDocument>& document, QWi
             mvConnection& connection = mvConnection::Instance();
             const QString path =
                 connection.MakePath(provider, serverName, database, folder, itemID);
-            const auto start = connection.GetResource(path, false, false);
+            std::shared_ptr<mvResource> start;
+            try {
+                start = connection.GetResource(path, false, false);
+            } catch (const BrixError&) {
+                // An incomplete path (no file or account at the cursor): the browser starts
+                // at the current place instead.
+                start = modOpen::DefaultResource(nullptr);
+            }
             chosen = connection.BrowseForResource(QStringLiteral("Open"), start, QString(), -1, 0,
                                                   Settings().RecordLocking, -1, owner);
         } catch (const BrixError& error) {
