@@ -11,6 +11,24 @@ namespace {
 // without another call into the component.
 constexpr long kMargin = 4;
 
+// How often a byte turns up in program text, roughly: blanks and common letters often,
+// digits and most signs seldom.
+int commonness(unsigned char byte) {
+    if (byte >= 'A' && byte <= 'Z')
+        byte = static_cast<unsigned char>(byte + 32);
+    if (byte == 0)
+        return 5;
+    if (byte == ' ')
+        return 100;
+    if (byte >= 'a' && byte <= 'z')
+        return std::strchr("etaoinsrlcd", byte) ? 40 : std::strchr("qzxjkvw", byte) ? 4 : 20;
+    if (byte >= '0' && byte <= '9')
+        return byte <= '1' ? 12 : 6;
+    if (std::strchr(".,()='\"<>;*:", byte))
+        return 15;
+    return byte >= 0x80 ? 10 : 5;
+}
+
 uint32_t decode(const char* bytes, long count) {
     const QString text = QString::fromUtf8(bytes, count);
     return text.isEmpty() ? 0 : text.toUcs4().value(0);
@@ -29,15 +47,26 @@ TextSearch::TextSearch(QsciScintillaBase& editor, const QString& text, bool whol
     byteMatch_ = matchCase_ || ascii;
     for (int c = 0; c < 256; ++c)
         fold_[c] = static_cast<unsigned char>(!matchCase_ && c >= 'A' && c <= 'Z' ? c + 32 : c);
-    const long m = needle_.size();
-    std::fill(std::begin(skip_), std::end(skip_), m);
-    std::fill(std::begin(skipBack_), std::end(skipBack_), m);
-    for (long i = 0; i + 1 < m; ++i)
-        skip_[fold_[static_cast<unsigned char>(needle_.at(i))]] = m - 1 - i;
-    for (long i = m - 1; i >= 1; --i)
-        skipBack_[fold_[static_cast<unsigned char>(needle_.at(i))]] = i;
     for (char& c : needle_)
         c = static_cast<char>(fold_[static_cast<unsigned char>(c)]);
+    // The anchor is the needle's byte that is likely rarest in program text.
+    long best = -1;
+    int bestWeight = 1 << 30;
+    for (long i = 0; i < needle_.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(needle_.at(i));
+        const bool folds = !matchCase_ && byte >= 'a' && byte <= 'z';
+        const int weight = commonness(byte) * (folds ? 2 : 1);
+        if (weight < bestWeight) {
+            bestWeight = weight;
+            best = i;
+        }
+    }
+    if (best >= 0) {
+        anchor_ = best;
+        anchorByte_ = static_cast<unsigned char>(needle_.at(best));
+        if (!matchCase_ && anchorByte_ >= 'a' && anchorByte_ <= 'z')
+            anchorOther_ = anchorByte_ - 32;
+    }
 }
 
 bool TextSearch::IsWordChar(uint32_t codePoint) {
@@ -99,18 +128,35 @@ long TextSearch::Forward(long from, long to, long& length) const {
         return foldedSearch(from, to, false, length);
     const char* text = bytes(from, to);
     const long n = to - from;
-    const auto last = static_cast<unsigned char>(needle_.at(m - 1));
-    for (long p = 0; p + m <= n;) {
-        const unsigned char tail = fold_[static_cast<unsigned char>(text[p + m - 1])];
-        if (tail == last && equalAt(text + p)) {
+    // Candidates are the places of the anchor byte, found by memchr (in both cases when
+    // case doesn't count); each is then compared whole.
+    const long last = n - m + anchor_;
+    long q = anchor_;
+    long nextA = -1;
+    long nextB = -1;
+    while (q <= last) {
+        auto find = [&](long& next, int byte) {
+            if (byte < 0 || (next >= q && next >= 0) || next == n)
+                return;
+            const void* at = std::memchr(text + q, byte, static_cast<size_t>(last - q + 1));
+            next = at ? static_cast<const char*>(at) - text : n;
+        };
+        find(nextA, anchorByte_);
+        find(nextB, anchorOther_);
+        const long c = std::min(nextA, nextB < 0 ? n : nextB);
+        if (c > last)
+            return -1;
+        const long p = c - anchor_;
+        if (equalAt(text + p)) {
             if (!wholeWord_ || wholeWordAt(from + p, m)) {
                 length = m;
                 return from + p;
             }
             // The checks around the match read the component: its storage may have moved.
             text = bytes(from, to);
+            nextA = nextB = -1;
         }
-        p += skip_[tail];
+        q = c + 1;
     }
     return -1;
 }
@@ -123,17 +169,33 @@ long TextSearch::Backward(long from, long to, long& length) const {
     if (!byteMatch_)
         return foldedSearch(from, to, true, length);
     const char* text = bytes(from, to);
-    const auto first = static_cast<unsigned char>(needle_.at(0));
-    for (long p = to - from - m; p >= 0;) {
-        const unsigned char head = fold_[static_cast<unsigned char>(text[p])];
-        if (head == first && equalAt(text + p)) {
+    const long n = to - from;
+    // The same, from the end: memrchr finds the anchor's places backwards.
+    long q = n - m + anchor_;
+    long nextA = n;
+    long nextB = n;
+    while (q >= anchor_) {
+        auto find = [&](long& next, int byte) {
+            if (byte < 0 || (next <= q && next < n) || next == -1)
+                return;
+            const void* at = memrchr(text + anchor_, byte, static_cast<size_t>(q - anchor_ + 1));
+            next = at ? static_cast<const char*>(at) - text : -1;
+        };
+        find(nextA, anchorByte_);
+        find(nextB, anchorOther_);
+        const long c = std::max(nextA == n ? -1 : nextA, nextB == n ? -1 : nextB);
+        if (c < anchor_)
+            return -1;
+        const long p = c - anchor_;
+        if (equalAt(text + p)) {
             if (!wholeWord_ || wholeWordAt(from + p, m)) {
                 length = m;
                 return from + p;
             }
             text = bytes(from, to);
+            nextA = nextB = n;
         }
-        p -= skipBack_[head];
+        q = c - 1;
     }
     return -1;
 }

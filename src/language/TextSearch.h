@@ -7,10 +7,11 @@
 class QsciScintillaBase;
 
 // Looks for a piece of text in the editor component's own bytes (UTF-8), reading them in
-// place: nothing of the document is copied. ASCII text is matched with a skip table, so a
-// search through tens of megabytes takes milliseconds; text with other letters, looked
-// for without regard to case, is compared line by line with Unicode case folding.
-// Positions are byte positions of the component; a match never crosses a line end.
+// place: nothing of the document is copied. ASCII text is matched at the places of its
+// rarest byte, found with memchr, so a search through tens of megabytes takes
+// milliseconds; text with other letters, looked for without regard to case, is compared
+// line by line with Unicode case folding. Positions are byte positions of the component;
+// a match never crosses a line end.
 class TextSearch {
 public:
     TextSearch(QsciScintillaBase& editor, const QString& text, bool wholeWord, bool matchCase);
@@ -42,6 +43,9 @@ private:
     // Folded ASCII needle matched byte by byte; false sends the search to the component.
     bool byteMatch_ = true;
     unsigned char fold_[256];
-    long skip_[256];
-    long skipBack_[256];
+    // The needle's byte that candidates are looked for by, its place in the needle, and
+    // its other case (-1 when case counts or it has none).
+    long anchor_ = 0;
+    int anchorByte_ = 0;
+    int anchorOther_ = -1;
 };
