@@ -7,6 +7,7 @@
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
 #include "recovery/modAutoRecover.h"
+#include "editing/frmGoto.h"
 #include "settings/Moriox.h"
 #include "shell/CommandDispatcher.h"
 #include "shell/frmMain.h"
@@ -109,6 +110,9 @@ bool Main(QApplication& app) {
 
         QApplication::setOverrideCursor(Qt::WaitCursor);
         frame->SetPaneText(1, QString());
+
+        // Loaded ahead of any use and kept until shutdown.
+        frmGoto::Instance();
 
         // What a crashed run left is offered before anything else; not to an automation
         // client.

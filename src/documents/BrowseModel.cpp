@@ -50,7 +50,9 @@ BrowseModel::BrowseModel(QString caption, const std::shared_ptr<mvResource>& sta
                 account_ = start->Database();
             file_ = start->Folder();
         }
-        if (caption_ != QLatin1String("Open") && start->IsItem())
+        // Open starts from an item only when it was asked to (the item at the cursor),
+        // and then offers it even when it doesn't exist yet.
+        if (caption_ == QLatin1String("Open") ? mode_ == Mode::Host : start->IsItem())
             initialName_ = start->ItemID();
     } catch (const BrixError& e) {
         LastError = e.Description;

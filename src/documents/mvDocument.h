@@ -11,6 +11,7 @@
 
 class Application;
 class ScintillaBuffer;
+struct SearchScope;
 class SourceView;
 class clsDocView;
 class mvResource;
@@ -98,6 +99,16 @@ public:
     const LabelList& Labels();
     void BuildLabels();
     void DropLabels() { labels_.reset(); }
+
+    // Looks for `text` from a place within the scope, up or down, and selects the match;
+    // false when there is none. The place -1, -1 is the caret: the near end of the
+    // selection in the direction of the search.
+    bool Find(const QString& text, bool up, bool wholeWord, bool matchCase, int32_t column,
+              int32_t line, const SearchScope& scope);
+    // Replaces every match in the scope by a one-line text, as one undoable step; gives
+    // the number replaced.
+    int32_t ReplaceAll(const QString& text, const QString& replacement, bool wholeWord,
+                       bool matchCase, const SearchScope& scope);
 
     // The block commands on the selected lines (or the caret's), and Format on the whole
     // program; each one undoable step.

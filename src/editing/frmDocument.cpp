@@ -102,6 +102,16 @@ void frmDocument::Load() {
                 if (IFrame* frame = this->frame())
                     frame->ShowContextMenu(kind, globalPos);
             });
+    connect(this, &frmDocument::GotoRequested, this,
+            [this](const std::shared_ptr<mvDocument>& document) {
+                if (IFrame* frame = this->frame())
+                    frame->HandleGoto(document, false);
+            });
+    connect(this, &frmDocument::OpenRequested, this,
+            [this](const std::shared_ptr<mvDocument>& document) {
+                if (IFrame* frame = this->frame())
+                    frame->HandleOpen(document);
+            });
     txtText_->installEventFilter(this);
     txtText_->viewport()->installEventFilter(this);
     connect(&txtText_->Buffer(), &ScintillaBuffer::ModifiedChanged, this, [this](bool modified) {

@@ -3,10 +3,12 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvDocument.h"
+#include "editing/frmFind.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "shell/ChildArrangement.h"
 #include "shell/CommandBar.h"
+#include "shell/CursorCommands.h"
 #include "shell/DocumentTabs.h"
 #include "shell/EditCommands.h"
 #include "shell/SettingsCommand.h"
@@ -15,6 +17,7 @@
 #include "support/ShowError.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QStatusBar>
@@ -40,16 +43,16 @@ const CommandDispatcher::Entry CommandDispatcher::Table[] = {
     {"Clear", &CommandDispatcher::clear},
     {"DeleteLine", &CommandDispatcher::deleteLine},
     {"SelectAll", &CommandDispatcher::selectAll},
-    {"Find", nullptr},
-    {"FindNext", nullptr},
-    {"Replace", nullptr},
+    {"Find", &CommandDispatcher::find},
+    {"FindNext", &CommandDispatcher::findNext},
+    {"Replace", &CommandDispatcher::replace},
     {"IndentBlock", &CommandDispatcher::indentBlock},
     {"OutdentBlock", &CommandDispatcher::outdentBlock},
     {"CommentBlock", &CommandDispatcher::commentBlock},
     {"UncommentBlock", &CommandDispatcher::uncommentBlock},
-    {"Goto", nullptr},
-    {"ctxGoto", nullptr},
-    {"ctxOpen", nullptr},
+    {"Goto", &CommandDispatcher::gotoLine},
+    {"ctxGoto", &CommandDispatcher::contextGoto},
+    {"ctxOpen", &CommandDispatcher::contextOpen},
     {"ViewToolbar", &CommandDispatcher::viewToolbar},
     {"ViewStatusbar", &CommandDispatcher::viewStatusbar},
     {"Highlight", &CommandDispatcher::highlight},
@@ -318,4 +321,37 @@ void CommandDispatcher::optHighlight(bool) {
 
 void CommandDispatcher::optTools(bool) {
     SettingsCommand::Run(frame_, 3);
+}
+
+void CommandDispatcher::find(bool) {
+    if (active())
+        frmFind::Instance().Find();
+}
+
+void CommandDispatcher::findNext(bool) {
+    if (!active())
+        return;
+    // Nothing to repeat yet: the dialog asks for it.
+    frmFind& dialog = frmFind::Instance();
+    if (dialog.txtFind->text().isEmpty())
+        dialog.Find();
+    else
+        dialog.FindNext();
+}
+
+void CommandDispatcher::replace(bool) {
+    if (active())
+        frmFind::Instance().Replace();
+}
+
+void CommandDispatcher::gotoLine(bool) {
+    CursorCommands::HandleGoto(active(), true, &frame_);
+}
+
+void CommandDispatcher::contextGoto(bool) {
+    CursorCommands::HandleGoto(active(), false, &frame_);
+}
+
+void CommandDispatcher::contextOpen(bool) {
+    CursorCommands::HandleOpen(active(), &frame_);
 }

@@ -62,6 +62,12 @@ private:
     void uncommentBlock(bool);
     void format(bool);
     void toggleCase(bool);
+    void find(bool);
+    void findNext(bool);
+    void replace(bool);
+    void gotoLine(bool);
+    void contextGoto(bool);
+    void contextOpen(bool);
     void valueMark(bool);
     void subValueMark(bool);
     void tileHorizontal(bool);

@@ -22,6 +22,7 @@
 #include "shell/CommandDispatcher.h"
 #include "shell/CommandState.h"
 #include "shell/CommandTable.h"
+#include "shell/CursorCommands.h"
 #include "shell/DocumentTabs.h"
 #include "shell/KeyboardFilter.h"
 #include "support/MsgBoxEx.h"
@@ -198,6 +199,14 @@ void frmMain::ShowContextMenu(int16_t kind, const QPoint& globalPos) {
     if (CommandTool* undo = bar_->Tool(QStringLiteral("toolbar"), QStringLiteral("Undo")))
         undo->SetEnabled(editor && editor->Buffer().CanUndo());
     bar_->ShowPopup(QStringLiteral("Popup"), globalPos);
+}
+
+void frmMain::HandleGoto(const std::shared_ptr<mvDocument>& document, bool forceDialog) {
+    CursorCommands::HandleGoto(document, forceDialog, this);
+}
+
+void frmMain::HandleOpen(const std::shared_ptr<mvDocument>& document) {
+    CursorCommands::HandleOpen(document, this);
 }
 
 void frmMain::NextDocument(bool previous) {

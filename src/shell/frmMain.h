@@ -88,6 +88,8 @@ public:
     void ExitApplication();
     // The editor's context menu at `globalPos`, set up for the word under it (a WordKind).
     void ShowContextMenu(int16_t kind, const QPoint& globalPos) override;
+    void HandleGoto(const std::shared_ptr<mvDocument>& document, bool forceDialog) override;
+    void HandleOpen(const std::shared_ptr<mvDocument>& document) override;
     // Activates the next (or previous) document window; with a window that didn't change
     // on the first step, steps once more.
     void NextDocument(bool previous);

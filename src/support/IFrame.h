@@ -42,4 +42,10 @@ public:
     virtual QList<QKeySequence> CommandKeys() const = 0;
     // The editor's context menu at `globalPos` for the word kind under it (a WordKind).
     virtual void ShowContextMenu(int16_t kind, const QPoint& globalPos) = 0;
+    // Goto and open at the cursor, for the word a document window left in ContextWord.
+    virtual void HandleGoto(const std::shared_ptr<mvDocument>& document, bool forceDialog) {
+        (void)document;
+        (void)forceDialog;
+    }
+    virtual void HandleOpen(const std::shared_ptr<mvDocument>& document) { (void)document; }
 };

@@ -22,12 +22,14 @@
 #include "support/UnicodeClipboard.h"
 
 #include <QClipboard>
+#include <QDialog>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMimeData>
 #include <QScopeGuard>
 #include <QTabBar>
+#include <QTimer>
 #include <QToolBar>
 
 // The frame driven as a user would: the command bars' state for each kind of document,
@@ -647,6 +649,16 @@ private Q_SLOTS:
         };
         QSignalSpy gotos(window, &frmDocument::GotoRequested);
         QSignalSpy opens(window, &frmDocument::OpenRequested);
+        // The goto dialog and the browser that the double-clicks bring up are dismissed.
+        QStringList dialogs;
+        QTimer dismiss;
+        connect(&dismiss, &QTimer::timeout, this, [&dialogs] {
+            if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                dialogs << QString::fromLatin1(dialog->metaObject()->className());
+                dialog->reject();
+            }
+        });
+        dismiss.start(20);
         const QPoint label = pointAt(10, 0);
         QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, label);
         QTest::mouseDClick(editor->viewport(), Qt::LeftButton, {}, label);
@@ -661,6 +673,8 @@ private Q_SLOTS:
         QTest::mouseRelease(editor->viewport(), Qt::LeftButton, {}, name);
         QCOMPARE(opens.size(), 1);
         QCOMPARE(state().ContextWord, QStringLiteral("SUBNAME"));
+        dismiss.stop();
+        QCOMPARE(dialogs, (QStringList{"frmGoto", "frmBrowse"}));
 
         // A right-click shows the editor's menu set up for the selection and clipboard.
         editor->SetSelection(3, 0, 8, 0);

@@ -1,0 +1,215 @@
+#include "DocumentSession.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/clsDocView.h"
+#include "documents/mvDocument.h"
+#include "editing/frmFind.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "shell/frmMain.h"
+#include "support/MsgBoxEx.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+// The find dialog driven through its own buttons on real documents, its questions answered
+// through the message box.
+class tst_frmFind : public QObject {
+    Q_OBJECT
+    DocumentSession session;
+
+    static frmFind& dialog() { return frmFind::Instance(); }
+    static std::shared_ptr<mvDocument> open(const QString& text) {
+        auto document = mvDocument::Create();
+        document->FileNew();
+        document->Buffer()->SetAllText(text);
+        return document;
+    }
+    // The selection as "start column,line>end column,line".
+    static QString selection(const mvDocument& document) {
+        int32_t sc = 0, sl = 0, ec = 0, el = 0;
+        document.Editor()->GetSelection(sc, sl, ec, el);
+        return QStringLiteral("%1,%2>%3,%4").arg(sc).arg(sl).arg(ec).arg(el);
+    }
+    static void set(const QString& find, bool up, bool word, bool matchCase, bool inSelection) {
+        dialog().txtFind->setText(find);
+        dialog().optDirection[up ? 0 : 1]->setChecked(true);
+        dialog().chkWholeWord->setChecked(word);
+        dialog().chkMatchCase->setChecked(matchCase);
+        dialog().chkSelection->setChecked(inSelection);
+    }
+
+private Q_SLOTS:
+    void initTestCase() { session.StartCase(); }
+    void cleanupTestCase() {
+        delete frmFind::Loaded();
+        session.EndCase();
+    }
+    void init() { session.StartTest(); }
+    void cleanup() { session.EndTest(true); }
+
+    // One press of Find Next from a caret: what it selects, with the matching rules.
+    void findNext_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("find");
+        QTest::addColumn<bool>("up");
+        QTest::addColumn<bool>("word");
+        QTest::addColumn<bool>("matchCase");
+        QTest::addColumn<int>("caretLine");
+        QTest::addColumn<QString>("selected");
+        const QString program = QStringLiteral("X = 1\nCALL SUB.X\nPRINT x_y, x\nEND");
+        QTest::newRow("case ignored")
+            << program << "x" << false << false << false << 1 << "9,1>10,1";
+        QTest::newRow("match case") << program << "x" << false << false << true << 1 << "6,2>7,2";
+        QTest::newRow("whole word skips x_y")
+            << program << "x" << false << true << true << 1 << "11,2>12,2";
+        QTest::newRow("up from the caret")
+            << program << "call" << true << false << false << 3 << "0,1>4,1";
+        QTest::newRow("other letters folded") << QStringLiteral("A\nSTRASSE ÄRGER") << "ärger"
+                                              << false << false << false << 0 << "8,1>13,1";
+        QTest::newRow("word next to a letter")
+            << QStringLiteral("A\nÉX X") << "X" << false << true << false << 0 << "3,1>4,1";
+    }
+    void findNext() {
+        QFETCH(QString, text);
+        QFETCH(QString, find);
+        QFETCH(bool, up);
+        QFETCH(bool, word);
+        QFETCH(bool, matchCase);
+        QFETCH(int, caretLine);
+        QFETCH(QString, selected);
+        auto document = open(text);
+        document->Editor()->SetCursor(0, caretLine);
+        dialog().Find();
+        set(find, up, word, matchCase, false);
+        QTest::mouseClick(dialog().cmdFind, Qt::LeftButton);
+        QCOMPARE(selection(*document), selected);
+        QVERIFY(session.Answers->Seen.isEmpty());
+    }
+
+    // At the end the user is asked, on each pass; Yes goes on from the far end.
+    void wrapQuestion_data() {
+        QTest::addColumn<bool>("up");
+        QTest::addColumn<QString>("find");
+        QTest::addColumn<QList<int32_t>>("answers");
+        QTest::addColumn<QStringList>("texts");
+        QTest::addColumn<QString>("selected");
+        const QString end = QStringLiteral("Search has reached the end of the document. Do you "
+                                           "want to continue searching at the beginning?");
+        QTest::newRow("yes") << false << "ONE" << QList<int32_t>{MsgBox::Yes} << QStringList{end}
+                             << "0,0>3,0";
+        QTest::newRow("no") << false << "ONE" << QList<int32_t>{MsgBox::No} << QStringList{end}
+                            << "2,1>2,1";
+        QTest::newRow("cancel") << false << "ONE" << QList<int32_t>{MsgBox::Cancel}
+                                << QStringList{end} << "2,1>2,1";
+        QTest::newRow("up") << true << "TWO" << QList<int32_t>{MsgBox::Yes}
+                            << QStringList{QStringLiteral(
+                                   "Search has reached the beginning of the document. Do you "
+                                   "want to continue searching at the end?")}
+                            << "0,1>3,1";
+        QTest::newRow("nowhere") << false << "NONE" << QList<int32_t>{MsgBox::Yes}
+                                 << QStringList{end, "Search text not found in document."}
+                                 << "2,1>2,1";
+    }
+    void wrapQuestion() {
+        QFETCH(bool, up);
+        QFETCH(QString, find);
+        QFETCH(QList<int32_t>, answers);
+        QFETCH(QStringList, texts);
+        QFETCH(QString, selected);
+        auto document = open(QStringLiteral("ONE\nTWO"));
+        document->Editor()->SetCursor(2, 1);
+        if (up)
+            document->Editor()->SetCursor(0, 0);
+        dialog().Find();
+        set(find, up, false, false, false);
+        session.Answers->Push(answers);
+        QTest::mouseClick(dialog().cmdFind, Qt::LeftButton);
+        QCOMPARE(session.Answers->Texts(), texts);
+        QCOMPARE(selection(*document), selected);
+    }
+
+    // A selection scope holds for repeated searches in its window and is read anew in
+    // another; Replace first finds, then replaces, and the scope keeps its end.
+    void selectionScope() {
+        auto first = open(QStringLiteral("A A\nA A A\nA"));
+        first->Editor()->SetSelection(2, 0, 3, 1);
+        dialog().Replace();
+        set(QStringLiteral("a"), false, false, false, true);
+        dialog().txtRepl->setText(QStringLiteral("BBB"));
+        QTest::mouseClick(dialog().cmdRepl, Qt::LeftButton);
+        QCOMPARE(selection(*first), QStringLiteral("2,0>3,0"));
+        QTest::mouseClick(dialog().cmdRepl, Qt::LeftButton);
+        QCOMPARE(first->Buffer()->GetLine(0), QStringLiteral("A BBB"));
+        QCOMPARE(selection(*first), QStringLiteral("0,1>1,1"));
+        QTest::mouseClick(dialog().cmdRepl, Qt::LeftButton);
+        QCOMPARE(dialog().Scope().EndColumn, 5);
+        QCOMPARE(selection(*first), QStringLiteral("4,1>5,1"));
+        // The last A of line 1 lies outside the scope: the end is reached.
+        session.Answers->Push(MsgBox::No);
+        QTest::mouseClick(dialog().cmdRepl, Qt::LeftButton);
+        QCOMPARE(first->Buffer()->GetLine(1), QStringLiteral("BBB BBB A"));
+        QCOMPARE(session.Answers->Texts(),
+                 QStringList{"Search has reached the end of the selection. Do you want to "
+                             "continue searching at the beginning?"});
+
+        auto second = open(QStringLiteral("A A"));
+        QVERIFY(dialog().ScopeWindow() == first->View()->Widget());
+        second->Editor()->SetCursor(0, 0);
+        QTest::mouseClick(dialog().cmdFind, Qt::LeftButton);
+        QVERIFY(dialog().Scope().Whole());
+        QCOMPARE(selection(*second), QStringLiteral("0,0>1,0"));
+    }
+
+    // Replace All: one step that undo takes back whole, caret and selection included.
+    void replaceAll_data() {
+        QTest::addColumn<bool>("inSelection");
+        QTest::addColumn<QString>("find");
+        QTest::addColumn<QString>("after");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("selectedAfter");
+        QTest::newRow("document") << false << "ab"
+                                  << "x xx\nCxD x"
+                                  << "5 occurrences replaced."
+                                  << "2,0>1,1";
+        QTest::newRow("selection") << true << "ab"
+                                   << "ab xx\nCabD ab"
+                                   << "2 occurrences replaced."
+                                   << "3,0>2,1";
+        QTest::newRow("none in selection") << true << "zz"
+                                           << "ab abab\nCabD ab"
+                                           << "Search text not found in selection."
+                                           << "3,0>2,1";
+        QTest::newRow("none in document") << false << "zz"
+                                          << "ab abab\nCabD ab"
+                                          << "Search text not found in document."
+                                          << "3,0>2,1";
+    }
+    void replaceAll() {
+        QFETCH(bool, inSelection);
+        QFETCH(QString, find);
+        QFETCH(QString, after);
+        QFETCH(QString, message);
+        QFETCH(QString, selectedAfter);
+        const QString before = QStringLiteral("ab abab\nCabD ab");
+        auto document = open(before);
+        document->Editor()->SetSelection(3, 0, 2, 1);
+        dialog().Replace();
+        set(find, false, false, false, inSelection);
+        dialog().txtRepl->setText(QStringLiteral("x"));
+        QTest::mouseClick(dialog().cmdAll, Qt::LeftButton);
+        QCOMPARE(session.Answers->Texts(), QStringList{message});
+        QCOMPARE(document->Buffer()->AllText(), after);
+        QCOMPARE(selection(*document), selectedAfter);
+        document->Buffer()->Undo();
+        QCOMPARE(document->Buffer()->AllText(), before);
+        QCOMPARE(selection(*document), QStringLiteral("3,0>2,1"));
+        QVERIFY(!document->Buffer()->CanUndo());
+    }
+};
+
+BRIX_TEST_MAIN(tst_frmFind)
+#include "tst_frmFind.moc"

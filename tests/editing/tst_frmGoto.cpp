@@ -1,0 +1,129 @@
+#include "DocumentSession.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "documents/mvDocument.h"
+#include "editing/frmGoto.h"
+#include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
+#include "settings/Moriox.h"
+#include "shell/frmMain.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
+
+// The go-to dialog, driven through its controls while it runs modally, and the routes
+// around it from the word at the cursor.
+class tst_frmGoto : public QObject {
+    Q_OBJECT
+    DocumentSession session;
+
+    static frmGoto& dialog() { return frmGoto::Instance(); }
+    static std::shared_ptr<mvDocument> open(const QString& text) {
+        auto document = mvDocument::Create();
+        document->FileNew();
+        document->Buffer()->SetAllText(text);
+        // The label lines carry the flag the document's label list is built from.
+        ScintillaBuffer& buffer = *document->Buffer();
+        for (int32_t line = 0; line < buffer.NumLines(); ++line) {
+            const QString first = buffer.GetLine(line).section(QLatin1Char(' '), 0, 0);
+            const bool label =
+                first.endsWith(QLatin1Char(':')) || (!first.isEmpty() && first.at(0).isDigit());
+            buffer.SetLineData(line, 1, label ? 0x200 : 0);
+        }
+        return document;
+    }
+    // Runs `act` once the dialog is up, then gives its result.
+    bool whileShown(const QString& target, std::function<void()> act) {
+        QTimer::singleShot(0, this, [act] {
+            act();
+            // Whatever the action left open is closed, as the user would.
+            if (dialog().isVisible())
+                dialog().close();
+        });
+        return dialog().ShowGoto(target, session.Frame);
+    }
+
+private Q_SLOTS:
+    void initTestCase() { session.StartCase(); }
+    void cleanupTestCase() {
+        ProcessState::Instance().ShutdownStarted = true;
+        dialog().close();
+        delete &dialog();
+        ProcessState::Instance().ShutdownStarted = false;
+        session.EndCase();
+    }
+    void init() { session.StartTest(); }
+    void cleanup() { session.EndTest(true); }
+
+    void leadingNumber_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("number");
+        QTest::newRow("plain") << "42" << 42;
+        QTest::newRow("blanks and tail") << "  12abc" << 12;
+        QTest::newRow("none") << "abc" << 0;
+        QTest::newRow("negative") << "-3" << -3;
+        QTest::newRow("huge") << "99999999999999" << 2147483647;
+    }
+    void leadingNumber() {
+        QFETCH(QString, text);
+        QFETCH(int, number);
+        QCOMPARE(frmGoto::LeadingNumber(text), number);
+    }
+
+    // A line number, clipped by the buffer, and a label of the then active document.
+    void gotoLineAndLabel() {
+        auto first = open(QStringLiteral("START: X = 1\n100 Y = 2\nZ = 3"));
+        const bool accepted = whileShown(QString(), [] {
+            QCOMPARE(dialog().cboTarget->count(), 2);
+            QCOMPARE(dialog().cboTarget->itemText(0), QStringLiteral("START"));
+            QTest::mouseClick(dialog().optLine, Qt::LeftButton);
+            dialog().txtLineNumber->setText(QStringLiteral("99"));
+            QTest::mouseClick(dialog().cmdOK, Qt::LeftButton);
+        });
+        QVERIFY(accepted);
+        QCOMPARE(first->Editor()->CursorLine(), 2);
+
+        auto second = open(QStringLiteral("A\nB\nSECOND: C"));
+        QVERIFY(whileShown(QStringLiteral("SECOND"), [] {
+            QVERIFY(dialog().optLabel->isChecked());
+            QCOMPARE(dialog().cboTarget->count(), 1);
+            QTest::keyClick(dialog().cboTarget->lineEdit(), Qt::Key_Return);
+        }));
+        QCOMPARE(second->Editor()->CursorLine(), 2);
+        QVERIFY(!session.Answers->AnyUnexpected());
+    }
+
+    // An unknown label: the common error box, and the dialog stays up until cancelled.
+    void unknownLabel() {
+        auto document = open(QStringLiteral("10 X = 1"));
+        bool stillUp = false;
+        QVERIFY(!whileShown(QStringLiteral("NOPE"), [&stillUp] {
+            QTest::mouseClick(dialog().optLabel, Qt::LeftButton);
+            QTest::mouseClick(dialog().cmdOK, Qt::LeftButton);
+            stillUp = dialog().isVisible();
+            QTest::mouseClick(dialog().cmdCancel, Qt::LeftButton);
+        }));
+        QVERIFY(stillUp);
+        QCOMPARE(session.Answers->Texts(),
+                 QStringList{"The following error has occurred:\nTarget label not found!"});
+    }
+
+    // The check box writes its setting at once, even when the dialog is cancelled.
+    void noDialogSetting() {
+        auto document = open(QStringLiteral("10 X = 1"));
+        whileShown(QString(), [] {
+            dialog().chkNoGoDlg->setChecked(true);
+            QTest::mouseClick(dialog().cmdCancel, Qt::LeftButton);
+        });
+        QVERIFY(Settings().NoGotoDialog);
+        dialog().chkNoGoDlg->setChecked(false);
+    }
+};
+
+BRIX_TEST_MAIN(tst_frmGoto)
+#include "tst_frmGoto.moc"
