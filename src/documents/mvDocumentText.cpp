@@ -3,6 +3,7 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentSteps.h"
 #include "editing/OpReplace.h"
+#include "language/LexClass.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
@@ -18,8 +19,8 @@ using namespace DocumentSteps;
 
 namespace {
 
-// The lexer's line flag for a line that holds a label.
-constexpr int32_t kLabelFlag = 0x200;
+// The lexer's line flag for a line that begins with a label.
+constexpr int32_t kLabelFlag = LexClass::FlagLabel;
 
 } // namespace
 

@@ -1,5 +1,7 @@
 #include "shell/SettingsCommand.h"
 
+#include "editing/frmFind.h"
+
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvDocument.h"
@@ -31,5 +33,8 @@ void SettingsCommand::ApplyToScreen(frmMain& frame) {
             if (auto* window = dynamic_cast<frmDocument*>(document->View()))
                 window->ApplySettings();
     }
+    // The find dialog shows its text in the editor's font.
+    if (frmFind* find = frmFind::Loaded())
+        find->SetFont(Settings().FontName, Settings().FontSize.toInt());
     frame.UpdateToolBar();
 }

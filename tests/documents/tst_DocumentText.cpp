@@ -4,6 +4,7 @@
 #include "app/ProcessState.h"
 #include "documents/clsDocView.h"
 #include "documents/mvDocument.h"
+#include "language/LexClass.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
@@ -26,7 +27,7 @@ class tst_DocumentText : public QObject {
         doc->SetText(lines.join(QStringLiteral("\r\n")));
         buffer().SetLex(nullptr);
         for (int line = 0; line < lines.size(); ++line)
-            buffer().SetLineData(line, 1, flagged.contains(line) ? 0x200 | 0x1 : 0x1);
+            buffer().SetLineData(line, 1, flagged.contains(line) ? LexClass::FlagLabel | 0x1 : 0x1);
     }
 
 private Q_SLOTS:
@@ -236,7 +237,7 @@ private Q_SLOTS:
         QCOMPARE(doc->Labels().Count(), 1);
         editor().SetCursor(0, 0);
         doc->SetSelText(QStringLiteral("TWO: Y\r\n"));
-        buffer().SetLineData(0, 1, 0x200);
+        buffer().SetLineData(0, 1, LexClass::FlagLabel);
         QCOMPARE(FileTestSupport::ErrorOf([&] { doc->GotoLabel(QStringLiteral("TWO")); }), 32767);
         doc->DropLabels();
         doc->GotoLabel(QStringLiteral("TWO"));

@@ -4,6 +4,7 @@
 #include "app/ProcessState.h"
 #include "documents/mvDocument.h"
 #include "editing/frmGoto.h"
+#include "language/LexClass.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
@@ -33,7 +34,7 @@ class tst_frmGoto : public QObject {
             const QString first = buffer.GetLine(line).section(QLatin1Char(' '), 0, 0);
             const bool label =
                 first.endsWith(QLatin1Char(':')) || (!first.isEmpty() && first.at(0).isDigit());
-            buffer.SetLineData(line, 1, label ? 0x200 : 0);
+            buffer.SetLineData(line, 1, label ? LexClass::FlagLabel : 0);
         }
         return document;
     }

@@ -7,6 +7,7 @@
 #include "documents/modOpen.h"
 #include "documents/mvDocument.h"
 #include "editing/frmGoto.h"
+#include "language/LexClass.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
@@ -34,7 +35,7 @@ class tst_CursorCommands : public QObject {
             const QString first = buffer.GetLine(line).section(QLatin1Char(' '), 0, 0);
             const bool label =
                 first.endsWith(QLatin1Char(':')) || (!first.isEmpty() && first.at(0).isDigit());
-            buffer.SetLineData(line, 1, label ? 0x200 : 0);
+            buffer.SetLineData(line, 1, label ? LexClass::FlagLabel : 0);
         }
         return document;
     }
