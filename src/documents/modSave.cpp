@@ -209,16 +209,6 @@ bool mvDocument::FileClose(bool prompt) {
     closed_ = true;
     labels_.reset();
     Q_EMIT DocumentClose();
-    if (resource_) {
-        try {
-            resource_->Release();
-        } catch (...) {
-        }
-        try {
-            resource_->SetLocked(false);
-        } catch (...) {
-        }
-        resource_.reset();
-    }
+    dropResource();
     return true;
 }

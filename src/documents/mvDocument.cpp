@@ -37,20 +37,25 @@ std::shared_ptr<mvDocument> mvDocument::Create() {
 }
 
 mvDocument::~mvDocument() {
-    // End of life: let go of the resource and its lock; errors are of no use here.
-    if (resource_) {
-        try {
-            resource_->Release();
-        } catch (...) {
-        }
-        try {
-            resource_->SetLocked(false);
-        } catch (...) {
-        }
-        resource_.reset();
-    }
+    // End of life: let go of the resource and its lock.
+    dropResource();
     applicationRef_.reset();
     dropView();
+}
+
+void mvDocument::dropResource() {
+    // Errors are of no use here: the document is going either way.
+    if (!resource_)
+        return;
+    try {
+        resource_->Release();
+    } catch (...) {
+    }
+    try {
+        resource_->SetLocked(false);
+    } catch (...) {
+    }
+    resource_.reset();
 }
 
 clsDocView* mvDocument::View() const {

@@ -135,6 +135,8 @@ public:
 
 private:
     void dropView();
+    // Releases the resource and its lock, and lets go of it.
+    void dropResource();
     // The main window's count of open documents holds each document once.
     void countIn();
     void countOut();
