@@ -441,6 +441,16 @@ QByteArray ItemTextCodec::EncodeFromEditor(std::string_view text, const QString&
             }
         }
         for (; i < lineEnd; ++i) {
+            // Plain text goes over a run at a time.
+            size_t run = i;
+            while (run < lineEnd && p[run] >= 0x20 && p[run] < 0x80)
+                ++run;
+            if (run > i) {
+                out.Put(reinterpret_cast<const char*>(p + i), static_cast<qsizetype>(run - i));
+                i = run;
+                if (i >= lineEnd)
+                    break;
+            }
             out.Room(8);
             const unsigned char b = p[i];
             if (b < 0x80) {
