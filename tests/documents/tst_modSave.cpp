@@ -380,7 +380,6 @@ private Q_SLOTS:
         QTest::newRow("No discards") << "item" << true << MsgBox::No << true << QByteArray();
         QTest::newRow("Cancel keeps") << "item" << true << MsgBox::Cancel << false << QByteArray();
         QTest::newRow("Yes, never saved") << "new" << true << MsgBox::Yes << false << QByteArray();
-        QTest::newRow("No, never saved") << "new" << true << MsgBox::No << true << QByteArray();
         QTest::newRow("clean") << "clean" << true << 0 << true << QByteArray();
         QTest::newRow("no prompt") << "item" << false << 0 << true << QByteArray();
         QTest::newRow("Yes, read only")
@@ -482,9 +481,6 @@ private Q_SLOTS:
                                 << true << int16_t(frmMain::Cancelled) << false;
         QTest::newRow("OK of OK, Cancel") << int16_t(MsgBox::OKCancel) << compile << MsgBox::OK
                                           << true << int16_t(frmMain::SavedOrClean) << true;
-        QTest::newRow("Cancel of OK, Cancel")
-            << int16_t(MsgBox::OKCancel) << compile << MsgBox::Cancel << true
-            << int16_t(frmMain::Cancelled) << false;
     }
     void promptToSave() {
         QFETCH(int16_t, buttons);

@@ -234,15 +234,6 @@ private Q_SLOTS:
         QCOMPARE(FileTestSupport::ReadFile(odd), binary);
     }
 
-    void helpAndVersion() {
-        const Result help = runTool({QStringLiteral("--help")});
-        QCOMPARE(help.Code, 0);
-        QVERIFY(help.Out.contains("--indent-bang"));
-        const Result version = runTool({QStringLiteral("--version")});
-        QCOMPARE(version.Code, 0);
-        QVERIFY(version.Out.contains(BRIX_VERSION));
-    }
-
     // The user's settings are read, the options win over them, and nothing is written: not
     // even on a machine that has no settings yet.
     void readsButNeverWritesSettings() {

@@ -124,18 +124,14 @@ private Q_SLOTS:
         QTest::addColumn<bool>("parses");
         QTest::newRow("decimal") << "3" << qint64(3) << true;
         QTest::newRow("blanks and sign") << " -4 " << qint64(-4) << true;
-        QTest::newRow("plus") << "+7" << qint64(7) << true;
         QTest::newRow("system colour") << "&H80000005&" << qint64(-2147483643) << true;
-        QTest::newRow("saved system colour") << "-2147483643" << qint64(-2147483643) << true;
         QTest::newRow("no ampersand") << "&H10" << qint64(16) << true;
         QTest::newRow("lower case") << "&hff&" << qint64(255) << true;
         QTest::newRow("all bits") << "&HFFFFFFFF&" << qint64(-1) << true;
         QTest::newRow("too many digits") << "&H123456789&" << qint64(0) << false;
         QTest::newRow("bare prefix") << "&H&" << qint64(0) << false;
-        QTest::newRow("not hex") << "&HXYZ&" << qint64(0) << false;
         QTest::newRow("word") << "abc" << qint64(0) << false;
         QTest::newRow("empty") << "" << qint64(0) << false;
-        QTest::newRow("fraction") << "3.5" << qint64(0) << false;
         QTest::newRow("trailing word") << "12abc" << qint64(0) << false;
         QTest::newRow("wide") << "99999999999" << qint64(99999999999) << true;
     }
@@ -151,12 +147,10 @@ private Q_SLOTS:
     void booleanParse_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("expected"); // -1: no value
-        QTest::newRow("True") << "True" << 1;
         QTest::newRow("upper") << "TRUE" << 1;
         QTest::newRow("lower false") << "false" << 0;
         QTest::newRow("blanks") << " False " << 0;
         QTest::newRow("number") << "1" << -1;
-        QTest::newRow("other word") << "Yes" << -1;
         QTest::newRow("empty") << "" << -1;
     }
 
@@ -182,11 +176,9 @@ private Q_SLOTS:
             {"indent above 2", "IndentStar=3", "IndentStar", "0"},
             {"bang absolute", "IndentBang=-1", "IndentBang", "1"},
             {"saved system colour", "BackColor=-2147483643", "BackColor", "-2147483643"},
-            {"hex colour", "BackColor=&H000000FF&", "BackColor", "255"},
             {"unparsable colour", "BackColor=red", "BackColor", "0"},
             {"too big for its member", "TabSize=70000", "TabSize", "0"},
             {"other word leaves the boolean false", "FontMono=Maybe", "FontMono", "False"},
-            {"boolean any case", "FontMono=FALSE", "FontMono", "False"},
             {"later keys still load", "FontMono=Maybe\nHighlight=False", "Highlight", "False"},
             {"old font name", "FontName=mv lucida console", "FontName", "MVW Lucida Console"},
             {"other font name", "FontName=Consolas", "FontName", "Consolas"},
@@ -336,26 +328,6 @@ private Q_SLOTS:
         QCOMPARE(stored(sandbox, QStringLiteral("@")), QStringLiteral("7"));
     }
 
-    // A fresh machine: the migration finds nothing and writes every default once.
-    void freshMachineWritesDefaults() {
-        SettingsSandbox sandbox(-1);
-        Moriox settings;
-        settings.LoadSettings();
-        Moriox fresh;
-        fresh.FontName = Moriox::DefaultFontName();
-        QVERIFY(settings == fresh);
-        QSettings store(SettingsSandbox::UserStoreFile(), QSettings::IniFormat);
-        store.beginGroup(QStringLiteral("Settings"));
-        // Every key once, colours in plain signed decimal; the full table is checked
-        // against the real program.
-        QCOMPARE(store.value(QStringLiteral("Default")).toString(), QStringLiteral("7"));
-        QCOMPARE(store.value(QStringLiteral("BackColor")).toString(),
-                 QStringLiteral("-2147483643"));
-        QVERIFY(store.contains(QStringLiteral("CompileOptions")));
-        QCOMPARE(store.childKeys().size(), 41);
-        QVERIFY(!store.contains(QStringLiteral("MainLeft")));
-    }
-
     void cloneAndUpdateFrom() {
         Moriox source;
         fillOddly(source);
@@ -379,7 +351,6 @@ private Q_SLOTS:
     void defaultFont_data() {
         QTest::addColumn<QStringList>("families");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("none") << QStringList() << "Courier New";
         QTest::newRow("other fonts")
             << QStringList({"DejaVu Sans", "MV Lucida Console"}) << "Courier New";
         QTest::newRow("first match, whole name")
