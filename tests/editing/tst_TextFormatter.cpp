@@ -116,8 +116,6 @@ private Q_SLOTS:
         QTest::newRow("empty") << QByteArray() << QByteArray();
         QTest::newRow("raw value mark is a mark")
             << QByteArray("IF X THEN\xFD\nY=1\nEND") << QByteArray("IF X THEN\xFD\n   Y=1\nEND");
-        QTest::newRow("raw subvalue mark is a mark")
-            << QByteArray("IF X THEN \xFC \nY=1\nEND") << QByteArray("IF X THEN \xFC\n   Y=1\nEND");
         QTest::newRow("latin-1 comment")
             << QByteArray("* caf\xE9  \n  X=1") << QByteArray("* caf\xE9\nX=1");
         QTest::newRow("editor marks beside raw bytes")
@@ -208,7 +206,6 @@ private Q_SLOTS:
         QTest::newRow("in place and check") << QStringList{"-i", "--check", "-"} << "--check";
         QTest::newRow("standard input in place") << QStringList{"-i", "-"} << "standard input";
         QTest::newRow("no file") << QStringList{} << "No file";
-        QTest::newRow("missing file") << QStringList{"NO.SUCH.PROGRAM"} << "NO.SUCH.PROGRAM";
         QTest::newRow("a folder") << QStringList{"."} << "\".\"";
     }
     void refusesWhatItCantDo() {
