@@ -125,6 +125,32 @@ private Q_SLOTS:
         QCOMPARE(lines(out), expected);
     }
 
+    // gdbus alone: activation, a document made new and read back, then closed.
+    void gdbusDrivesTheEditor() {
+        AutomationBus bus;
+        QVERIFY(bus.Up());
+        QByteArray out;
+        QCOMPARE(bus.Gdbus(QStringLiteral("/Documents"),
+                           QStringLiteral("com.tolvek.Brix70.mvDocuments.AddNew"), {}, &out),
+                 0);
+        const QString path = QString::fromUtf8(out).section(QLatin1Char('\''), 1, 1);
+        QVERIFY2(path.startsWith(QLatin1String("/Documents/")), out.constData());
+        QCOMPARE(bus.Gdbus(path, QStringLiteral("org.freedesktop.DBus.Properties.Set"),
+                           {QStringLiteral("com.tolvek.Brix70.mvDocument"),
+                            QStringLiteral("SelText"), QStringLiteral("<'END'>")},
+                           &out),
+                 0);
+        QCOMPARE(bus.Gdbus(path, QStringLiteral("org.freedesktop.DBus.Properties.Get"),
+                           {QStringLiteral("com.tolvek.Brix70.mvDocument"), QStringLiteral("Text")},
+                           &out),
+                 0);
+        QCOMPARE(out.trimmed(), QByteArray("(<'END'>,)"));
+        QCOMPARE(bus.Gdbus(path, QStringLiteral("com.tolvek.Brix70.mvDocument.FileClose"),
+                           {QStringLiteral("false")}, &out),
+                 0);
+        QCOMPARE(out.trimmed(), QByteArray("(true,)"));
+    }
+
     // A user start: the arguments of the process, names with blanks among them, become
     // the command line; relative names are taken from the current folder, and an absolute
     // path is a file name, not a switch.
