@@ -460,7 +460,8 @@ private Q_SLOTS:
         QCOMPARE(visiblePanes(), shown - 2);
     }
 
-    // PromptToSave with the button sets its callers use, and the choice it reports.
+    // PromptToSave on a clean document and with the compile question's OK and Cancel; its
+    // Yes, No and Cancel are those of closingTheFrameAsksPerDocument.
     void promptToSave_data() {
         QTest::addColumn<int16_t>("buttons");
         QTest::addColumn<QString>("message");
@@ -473,12 +474,6 @@ private Q_SLOTS:
             "program?");
         QTest::newRow("clean") << int16_t(MsgBox::YesNoCancel) << QString() << 0 << false
                                << int16_t(frmMain::SavedOrClean) << false;
-        QTest::newRow("Yes") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::Yes << true
-                             << int16_t(frmMain::SavedOrClean) << true;
-        QTest::newRow("No") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::No << true
-                            << int16_t(frmMain::Declined) << false;
-        QTest::newRow("Cancel") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::Cancel
-                                << true << int16_t(frmMain::Cancelled) << false;
         QTest::newRow("OK of OK, Cancel") << int16_t(MsgBox::OKCancel) << compile << MsgBox::OK
                                           << true << int16_t(frmMain::SavedOrClean) << true;
     }
