@@ -1,3 +1,4 @@
+#include "FileTestSupport.h"
 #include "SettingsSandbox.h"
 #include "TestEnv.h"
 
@@ -12,6 +13,9 @@
 
 namespace {
 
+using FileTestSupport::ReadFile;
+using FileTestSupport::WriteFile;
+
 const QString Section = QStringLiteral("Software\\Tolvek\\MultiValue Editor\\Settings\\");
 
 QString read(const QString& key, const QString& defaultValue = QStringLiteral("<default>")) {
@@ -20,17 +24,6 @@ QString read(const QString& key, const QString& defaultValue = QStringLiteral("<
 
 void write(const QString& key, const QString& value) {
     SettingsStore::WriteSetting(Section, key, value);
-}
-
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
 }
 
 } // namespace
@@ -61,7 +54,7 @@ private Q_SLOTS:
         QFETCH(int, mode);
         SettingsSandbox sandbox(-1);
         if (selection != "<none>")
-            writeFile(sandbox.ExecutableFolder() + QStringLiteral("/norvane70.ini"), selection);
+            WriteFile(sandbox.ExecutableFolder() + QStringLiteral("/norvane70.ini"), selection);
         QCOMPARE(SettingsStore::PersistSettings(), mode);
     }
 
@@ -106,7 +99,7 @@ private Q_SLOTS:
         QCOMPARE(read(QString()), QStringLiteral("<default>"));
 
         write(QString(), QStringLiteral("7"));
-        const QByteArray bytes = readFile(folder + QStringLiteral("/appstate.ini"));
+        const QByteArray bytes = ReadFile(folder + QStringLiteral("/appstate.ini"));
         QVERIFY(bytes.startsWith("\xFF\xFE"));
         QCOMPARE(IniProfile::FromBytes(bytes).Value(QStringLiteral("MultiValueEditor_Settings_"),
                                                     QStringLiteral("@")),
@@ -166,7 +159,7 @@ private Q_SLOTS:
         SettingsSandbox sandbox(mode);
         const QString file = mode == 1 ? SettingsSandbox::UserStoreFile() : sandbox.StateFile();
         write(QStringLiteral("A"), QStringLiteral("1"));
-        const QByteArray before = readFile(file);
+        const QByteArray before = ReadFile(file);
         {
             const SettingsStore::Batch outer;
             {
@@ -177,11 +170,11 @@ private Q_SLOTS:
             write(QStringLiteral("A"), QString());
             QCOMPARE(read(QStringLiteral("B")), QStringLiteral(" b "));
             QCOMPARE(read(QStringLiteral("A")), QStringLiteral("<default>"));
-            QCOMPARE(readFile(file), before);
+            QCOMPARE(ReadFile(file), before);
         }
         QCOMPARE(read(QStringLiteral("B")), QStringLiteral(" b "));
         QCOMPARE(read(QStringLiteral("A")), QStringLiteral("<default>"));
-        QVERIFY(readFile(file) != before);
+        QVERIFY(ReadFile(file) != before);
         if (mode == 2)
             QVERIFY(sandbox.StateFileText().contains(QLatin1String("B=\" b \"")));
     }
@@ -201,10 +194,10 @@ private Q_SLOTS:
         QDir().mkpath(QFileInfo(file).path());
         const QByteArray damaged =
             Bytes("[Settings]\nTabSize=5\n\x00\xFF\xFE junk\nno equals here\n");
-        writeFile(file, damaged);
+        WriteFile(file, damaged);
         QCOMPARE(read(QStringLiteral("TabSize")), QStringLiteral("5"));
         write(QStringLiteral("Margin"), QStringLiteral("2"));
-        QCOMPARE(readFile(file + QStringLiteral(".damaged")), damaged);
+        QCOMPARE(ReadFile(file + QStringLiteral(".damaged")), damaged);
         QCOMPARE(read(QStringLiteral("Margin")), QStringLiteral("2"));
         // Once per run: the rewritten file is not copied again.
         write(QStringLiteral("Margin"), QStringLiteral("3"));
@@ -269,7 +262,7 @@ private Q_SLOTS:
         QCOMPARE(SettingsStore::EnsureFolder(base + QStringLiteral("/a/b/c/")),
                  base + QStringLiteral("/a/b/c/"));
         // A level that is a file can't be made: the executable's folder instead.
-        writeFile(base + QStringLiteral("/file"), "x");
+        WriteFile(base + QStringLiteral("/file"), "x");
         QCOMPARE(SettingsStore::EnsureFolder(QStringLiteral("./file/sub")),
                  base + QLatin1Char('/'));
         qputenv("BRIX_TEST_SUB", "made");
@@ -313,9 +306,9 @@ private Q_SLOTS:
         QFETCH(QByteArray, expected);
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("t.txt"));
-        writeFile(path, "an older and longer text");
+        WriteFile(path, "an older and longer text");
         QVERIFY(SettingsStore::WriteTextFile(path, QStringLiteral("äh"), encoding, false));
-        QCOMPARE(readFile(path), expected);
+        QCOMPARE(ReadFile(path), expected);
         QVERIFY(SettingsStore::FileExists(path));
         QVERIFY(!SettingsStore::DirectoryExists(path));
     }
