@@ -1,3 +1,4 @@
+#include "FileTestSupport.h"
 #include "SettingsSandbox.h"
 #include "TestEnv.h"
 
@@ -20,10 +21,7 @@ const QString IniSection = QStringLiteral("MultiValueEditor_Settings_");
 
 // Puts a state file in place before the store first looks at it.
 void writeStateFile(const SettingsSandbox& sandbox, const QByteArray& bytes) {
-    QDir().mkpath(sandbox.DataFolder());
-    QFile file(sandbox.StateFile());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
+    FileTestSupport::WriteFile(sandbox.StateFile(), bytes);
 }
 
 QString stored(const SettingsSandbox& sandbox, const QString& key) {
