@@ -260,6 +260,8 @@ private Q_SLOTS:
                                            << "4:0:4 1:4:1 8:5:1 1:6:1 8:7:1" << 0;
         QTest::newRow("dollar unknown") << "" << false << "$FOO"
                                         << "8:0:1 8:1:3" << 0;
+        QTest::newRow("dollar word not listed") << "$FOO" << false << "$BAR"
+                                                << "8:0:1 8:1:3" << 0;
         QTest::newRow("at word listed") << "@ID" << false << "@ID"
                                         << "4:0:3" << 0;
         QTest::newRow("next char from list") << "A-B" << false << "A-B"
