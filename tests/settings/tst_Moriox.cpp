@@ -128,6 +128,7 @@ private Q_SLOTS:
         QTest::newRow("all bits") << "&HFFFFFFFF&" << qint64(-1) << true;
         QTest::newRow("too many digits") << "&H123456789&" << qint64(0) << false;
         QTest::newRow("bare prefix") << "&H&" << qint64(0) << false;
+        QTest::newRow("not hex") << "&HXYZ&" << qint64(0) << false;
         QTest::newRow("word") << "abc" << qint64(0) << false;
         QTest::newRow("empty") << "" << qint64(0) << false;
         QTest::newRow("trailing word") << "12abc" << qint64(0) << false;

@@ -89,6 +89,8 @@ private Q_SLOTS:
         QTest::newRow("Yes to All, ticked")
             << (MsgBox::YesToAllNo | MsgBox::CheckBox) << "button" << MsgBox::YesToAll << true
             << MsgBox::YesToAll + MsgBox::Ticked << true;
+        QTest::newRow("type 10 middle") << MsgBox::YesToAllNoCancel << "button" << MsgBox::YesToAll
+                                        << false << MsgBox::YesToAll << true;
         QTest::newRow("No, check box left") << (MsgBox::YesToAllNo | MsgBox::CheckBox) << "button"
                                             << MsgBox::No << false << MsgBox::No << true;
         QTest::newRow("tick without check box")
@@ -99,6 +101,8 @@ private Q_SLOTS:
             << MsgBox::YesToAllNo << "close" << 0 << false << MsgBox::No << false;
         QTest::newRow("type 10 Escape is No")
             << MsgBox::YesToAllNoCancel << "esc" << 0 << false << MsgBox::No << true;
+        QTest::newRow("Yes, No ignores Escape")
+            << MsgBox::YesNo << "esc" << 0 << false << MsgBox::No << false;
         QTest::newRow("Yes, No, Cancel Escape")
             << MsgBox::YesNoCancel << "esc" << 0 << false << MsgBox::Cancel << true;
         QTest::newRow("OK Escape") << MsgBox::OKOnly << "esc" << 0 << false << MsgBox::OK << true;
@@ -108,6 +112,8 @@ private Q_SLOTS:
             << MsgBox::YesToAllNo << "enter" << 0 << false << MsgBox::Yes << true;
         QTest::newRow("Enter on the second") << (MsgBox::YesToAllNo | MsgBox::DefaultButton2)
                                              << "enter" << 0 << false << MsgBox::YesToAll << true;
+        QTest::newRow("Enter on the third") << (MsgBox::YesNoCancel | MsgBox::DefaultButton3)
+                                            << "enter" << 0 << false << MsgBox::Cancel << true;
         QTest::newRow("fourth default falls back to the first")
             << (MsgBox::YesNo | 0x300) << "enter" << 0 << false << MsgBox::Yes << true;
         QTest::newRow("Try Again") << MsgBox::CancelTryContinue << "button" << MsgBox::TryAgain
