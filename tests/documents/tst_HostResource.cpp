@@ -301,6 +301,7 @@ private Q_SLOTS:
             const char* m = mode == plain ? "plain" : "qm";
             const bool p = mode == plain;
             QTest::addRow("%s ../x", m) << mode << QStringLiteral("../x") << p;
+            QTest::addRow("%s a/b", m) << mode << QStringLiteral("a/b") << p;
             QTest::addRow("%s ..", m) << mode << QStringLiteral("..") << p;
             QTest::addRow("%s .", m) << mode << QStringLiteral(".") << p;
             QTest::addRow("%s quotes", m) << mode << QStringLiteral("it's \"x\"") << false;

@@ -92,6 +92,8 @@ private Q_SLOTS:
                                       << QStringList{missing} << true << "new" << true;
         QTest::newRow("missing, No") << "NEWONE" << false << true << false << no
                                      << QStringList{missing} << false << "closed" << false;
+        QTest::newRow("missing read only, Yes") << "NEWONE" << true << true << false << yes
+                                                << QStringList{missing} << true << "new" << false;
         QTest::newRow("file definition")
             << "CUSTOMERS/X" << false << true << false << none
             << QStringList{folder.arg(QStringLiteral("X"))} << false << "left" << false;
@@ -107,6 +109,9 @@ private Q_SLOTS:
             << "left" << false;
         QTest::newRow("locked by other, no locking") << "HELLO" << false << false << true << none
                                                      << QStringList() << true << "open" << false;
+        QTest::newRow("locked by other, asked read only")
+            << "HELLO" << true << true << true << none << QStringList() << true << "open read only"
+            << false;
     }
     void fileOpen() {
         QFETCH(QString, item);
@@ -256,6 +261,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("recent");
         QTest::newRow("host item") << "mvdb://prod/SALES/BP/MAIN"
                                    << "mvdb://*/*/BP/MAIN";
+        QTest::newRow("default server") << "mvdb://*/DEMO/BP/X%20Y"
+                                        << "mvdb://*/*/BP/X%20Y";
         QTest::newRow("local file") << "file:///tmp/a%20b.txt"
                                     << "file:///tmp/a%20b.txt";
         QTest::newRow("provider in capitals") << "FILE:///tmp/x"

@@ -116,6 +116,8 @@ private Q_SLOTS:
         QTest::newRow("empty") << QByteArray() << QByteArray();
         QTest::newRow("raw value mark is a mark")
             << QByteArray("IF X THEN\xFD\nY=1\nEND") << QByteArray("IF X THEN\xFD\n   Y=1\nEND");
+        QTest::newRow("raw subvalue mark is a mark")
+            << QByteArray("IF X THEN \xFC \nY=1\nEND") << QByteArray("IF X THEN \xFC\n   Y=1\nEND");
         QTest::newRow("latin-1 comment")
             << QByteArray("* caf\xE9  \n  X=1") << QByteArray("* caf\xE9\nX=1");
         QTest::newRow("editor marks beside raw bytes")

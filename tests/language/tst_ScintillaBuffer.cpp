@@ -149,10 +149,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("insert");
         QTest::addColumn<QString>("expected");
         const QString e = QString::fromUtf8("\xC3\xA9");             // é, 2 bytes
+        const QString euro = QString::fromUtf8("\xE2\x82\xAC");      // €, 3 bytes
         const QString smile = QString::fromUtf8("\xF0\x9F\x98\x80"); // surrogate pair
         QTest::newRow("ascii") << "abcd" << 2 << "X"
                                << "abXcd";
         QTest::newRow("two-byte") << (e + e + "z") << 2 << "X" << (e + e + "Xz");
+        QTest::newRow("three-byte") << (euro + "a") << 1 << "X" << (euro + "Xa");
         QTest::newRow("after pair") << ("a" + smile + "b") << 3 << "X" << ("a" + smile + "Xb");
         QTest::newRow("past end") << "ab" << 40 << "X"
                                   << "abX";
@@ -524,6 +526,15 @@ private Q_SLOTS:
                 read[i] == expected[i],
                 qPrintable(QStringLiteral("step %1: %2 vs %3").arg(i).arg(read[i], expected[i])));
         QCOMPARE(allLines(b), allLines(plain.Buffer()));
+    }
+
+    void setAllTextReplacesAndForgetsRecords() {
+        ScintillaBuffer& b = view->Buffer();
+        typeText(*view, QStringLiteral("old"));
+        b.SetAllText(QStringLiteral("one\r\ntwo\rthree"));
+        QCOMPARE(b.NumLines(), 3);
+        QCOMPARE(b.AllText(), QStringLiteral("one\ntwo\nthree"));
+        QVERIFY(!b.CanUndo());
     }
 };
 

@@ -53,6 +53,8 @@ private Q_SLOTS:
                                << "blank";
         QTest::newRow("open paren") << "F(X" << false << "FX"
                                     << "parentheses";
+        QTest::newRow("close paren") << "FX)" << false << "FX"
+                                     << "parentheses";
         QTest::newRow("last named") << "A,B;C D" << false << "ABCD"
                                     << "blank";
     }

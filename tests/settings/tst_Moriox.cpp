@@ -350,6 +350,7 @@ private Q_SLOTS:
     void defaultFont_data() {
         QTest::addColumn<QStringList>("families");
         QTest::addColumn<QString>("expected");
+        QTest::newRow("none") << QStringList() << "Courier New";
         QTest::newRow("other fonts")
             << QStringList({"DejaVu Sans", "MV Lucida Console"}) << "Courier New";
         QTest::newRow("first match, whole name")

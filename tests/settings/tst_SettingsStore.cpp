@@ -228,6 +228,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("expected");
         QTest::newRow("parent") << "../data"
                                 << "/opt/brix/data";
+        QTest::newRow("parent alone") << ".."
+                                      << "/opt/brix";
         QTest::newRow("backslashes") << "..\\data\\x"
                                      << "/opt/brix/data/x";
         QTest::newRow("stops at the root") << "../../../../../../x"
@@ -240,6 +242,8 @@ private Q_SLOTS:
                                         << "/a/./b";
         QTest::newRow("trailing slash kept") << "/a/b/"
                                              << "/a/b/";
+        QTest::newRow("root parent") << "/.."
+                                     << "/";
         QTest::newRow("first piece stays") << "x/../../y"
                                            << "x/y";
         QTest::newRow("drive stays") << "C:\\x\\..\\..\\y"
