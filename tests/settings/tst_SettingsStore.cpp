@@ -40,6 +40,7 @@ private Q_SLOTS:
         QTest::newRow("empty value") << QByteArray("[Isolation]\nPersistSettings=\n") << 1;
         QTest::newRow("state file") << QByteArray("[Isolation]\nPersistSettings=2\n") << 2;
         QTest::newRow("any case") << QByteArray("[ISOLATION]\npersistsettings=2\n") << 2;
+        QTest::newRow("hexadecimal") << QByteArray("[Isolation]\nPersistSettings=&H2&\n") << 2;
         QTest::newRow("nowhere") << QByteArray("[Isolation]\nPersistSettings=0\n") << 0;
         QTest::newRow("not a number") << QByteArray("[Isolation]\nPersistSettings=two\n") << 0;
         QTest::newRow("utf-16") << QByteArray("\xFF\xFE") +
