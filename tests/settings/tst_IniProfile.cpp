@@ -133,6 +133,47 @@ private Q_SLOTS:
         QCOMPARE(ReadFile(path), after);
     }
 
+    // Lines the reader does not understand, bytes that do not decode and a cut-off last code
+    // unit all survive an edit of the file.
+    void damagedFilesSurviveEdits_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("readable"); // what key "A" of section "S" holds
+
+        QTest::newRow("binary and invalid utf-8")
+            << Bytes("\x00\x01\xFF\xFE garbage\n\x80\x81\n[S]\nA=1\n\xC3\x28 zz\n") << "1";
+        QByteArray truncated = utf16le(QStringLiteral("[S]\r\nA=2\r\nB=cut"));
+        truncated.append('\x41');
+        QTest::newRow("truncated utf-16") << truncated << "2";
+        QTest::newRow("latin-1 text") << QByteArray("[S]\nA=3\nName=caf\xE9\n") << "3";
+        QTest::newRow("no sections at all")
+            << Bytes("\x89PNG\r\n\x1A\n\x00\x00\x00\rIHDR") << "<none>";
+    }
+
+    void damagedFilesSurviveEdits() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, readable);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("x.ini"));
+        WriteFile(path, file);
+
+        const QString value = IniProfile::ReadString(path, QStringLiteral("S"), QStringLiteral("A"),
+                                                     QStringLiteral("<none>"), 4096);
+        QCOMPARE(value, readable);
+        QVERIFY(IniProfile::WriteString(path, QStringLiteral("T"), QStringLiteral("New"),
+                                        QStringLiteral("v")));
+        const QByteArray after = ReadFile(path);
+        // Every byte that was there is still there, in order: the edit only added.
+        qsizetype at = 0;
+        for (const char byte : file) {
+            at = after.indexOf(byte, at);
+            QVERIFY(at >= 0);
+            ++at;
+        }
+        QCOMPARE(IniProfile::ReadString(path, QStringLiteral("T"), QStringLiteral("New"), QString(),
+                                        4096),
+                 QStringLiteral("v"));
+    }
+
     void unreadableFileIsLeftAlone() {
         QTemporaryDir dir;
         // A folder where the file should be.

@@ -329,6 +329,21 @@ private Q_SLOTS:
         QCOMPARE(stored(sandbox, QStringLiteral("@")), QStringLiteral("7"));
     }
 
+    // A fresh machine: the migration finds nothing and writes every key once; their values
+    // are checked against the real program (tst_modMain).
+    void freshMachineWritesDefaults() {
+        SettingsSandbox sandbox(-1);
+        Moriox settings;
+        settings.LoadSettings();
+        Moriox fresh;
+        fresh.FontName = Moriox::DefaultFontName();
+        QVERIFY(settings == fresh);
+        QSettings store(SettingsSandbox::UserStoreFile(), QSettings::IniFormat);
+        store.beginGroup(QStringLiteral("Settings"));
+        QCOMPARE(store.childKeys().size(), 41);
+        QVERIFY(!store.contains(QStringLiteral("MainLeft")));
+    }
+
     void cloneAndUpdateFrom() {
         Moriox source;
         fillOddly(source);
