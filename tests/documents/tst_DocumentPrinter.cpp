@@ -171,7 +171,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("first");
         QTest::addColumn<int>("last");
         QTest::newRow("one line") << 2 << 2;
-        QTest::newRow("three lines") << 4 << 6;
         QTest::newRow("up to the end") << 9 << 11;
     }
     void selectionPrintsItsLines() {

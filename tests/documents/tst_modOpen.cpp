@@ -1,4 +1,5 @@
 #include "DocumentSession.h"
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
@@ -221,10 +222,7 @@ private Q_SLOTS:
         const QString fileName =
             account->LocalFolder() + '/' + (name.isEmpty() ? QStringLiteral("b.txt") : name);
         if (!name.isEmpty()) {
-            QFile f(fileName);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("line 1\r\nline\t2\r\n");
-            f.close();
+            FileTestSupport::WriteFile(fileName, "line 1\r\nline\t2\r\n");
             QVERIFY(::chmod(QFile::encodeName(fileName).constData(), mode) == 0);
         }
         Settings().RecordLocking = locking;
@@ -385,10 +383,7 @@ private Q_SLOTS:
     // a list of files is taken.
     void droppedFiles() {
         const QString a = account->LocalFolder() + QStringLiteral("/drop a.txt");
-        QFile f(a);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("dropped\n");
-        f.close();
+        FileTestSupport::WriteFile(a, "dropped\n");
         const QString missing = account->LocalFolder() + QStringLiteral("/gone.txt");
 
         QMimeData text;

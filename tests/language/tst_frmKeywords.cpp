@@ -57,8 +57,6 @@ private Q_SLOTS:
                                      << "parentheses";
         QTest::newRow("last named") << "A,B;C D" << false << "ABCD"
                                     << "blank";
-        QTest::newRow("semicolon last") << "A B;" << false << "AB"
-                                        << "semicolon";
     }
     void check() {
         QFETCH(QString, word);

@@ -1,4 +1,5 @@
 #include "DocumentFrame.h"
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 #include "app/ProcessState.h"
 #include "app/modMain.h"
@@ -191,9 +192,7 @@ private slots:
     void initTestCase() {
         frames = std::make_unique<DocumentFrame>();
         auto write = [this](const char* name, const QByteArray& bytes) {
-            QFile file(files.filePath(QLatin1String(name)));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(bytes);
+            FileTestSupport::WriteFile(files.filePath(QLatin1String(name)), bytes);
         };
         write("A", "* A\n\tCRT \"caf\xc3\xa9\"\nEND\n");
         write("B", "* B\r\nX = 1\r\nEND");
@@ -277,10 +276,10 @@ private slots:
             gone.start(QStringLiteral("/bin/true"), {});
             QVERIFY(gone.waitForFinished());
             QVERIFY(modAutoRecover::ResolveFolder(true));
-            QFile file(modAutoRecover::Folder() +
-                       QStringLiteral("/%1.001").arg(gone.processId(), 8, 16, QLatin1Char('0')));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("LOST\r\nX\n");
+            FileTestSupport::WriteFile(
+                modAutoRecover::Folder() +
+                    QStringLiteral("/%1.001").arg(gone.processId(), 8, 16, QLatin1Char('0')),
+                "LOST\r\nX\n");
         }
         QProcess child;
         startChild(child, 7);

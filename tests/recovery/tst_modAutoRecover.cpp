@@ -1,5 +1,6 @@
 #include "BoxAnswers.h"
 #include "DocumentFrame.h"
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
@@ -45,10 +46,7 @@ std::shared_ptr<mvDocument> typedDocument(const QString& text) {
 }
 
 void writeFile(const QString& name, const QByteArray& bytes) {
-    QDir().mkpath(storeFolder());
-    QFile file(storeFolder() + QLatin1Char('/') + name);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
+    FileTestSupport::WriteFile(storeFolder() + QLatin1Char('/') + name, bytes);
 }
 
 // Runs `act` on the recovery dialog each time it is up, while it lives; `act` closes it.

@@ -1,41 +1,25 @@
+#include "FileTestSupport.h"
 #include "SettingsSandbox.h"
 #include "TestEnv.h"
 
 #include "settings/IniProfile.h"
 
 #include <QFile>
+#include <QStringEncoder>
 #include <QTemporaryDir>
 #include <unistd.h>
 
 namespace {
 
+using FileTestSupport::ReadFile;
+using FileTestSupport::WriteFile;
+
+// With its byte order mark.
 QByteArray utf16le(const QString& text) {
-    QByteArray bytes("\xFF\xFE", 2);
-    for (const QChar c : text) {
-        bytes.append(static_cast<char>(c.unicode() & 0xFF));
-        bytes.append(static_cast<char>(c.unicode() >> 8));
-    }
-    return bytes;
+    return QByteArray("\xFF\xFE") + QByteArray(QStringEncoder(QStringEncoder::Utf16LE)(text));
 }
-
 QByteArray utf16be(const QString& text) {
-    QByteArray bytes("\xFE\xFF", 2);
-    for (const QChar c : text) {
-        bytes.append(static_cast<char>(c.unicode() >> 8));
-        bytes.append(static_cast<char>(c.unicode() & 0xFF));
-    }
-    return bytes;
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return QByteArray("\xFE\xFF") + QByteArray(QStringEncoder(QStringEncoder::Utf16BE)(text));
 }
 
 } // namespace
@@ -141,12 +125,12 @@ private Q_SLOTS:
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("x.ini"));
         if (!before.isEmpty())
-            writeFile(path, before);
+            WriteFile(path, before);
         const bool done = value == QLatin1String("<delete>")
                               ? IniProfile::DeleteKey(path, section, key)
                               : IniProfile::WriteString(path, section, key, value);
         QCOMPARE(done, !value.contains(QLatin1Char('\n')));
-        QCOMPARE(readFile(path), after);
+        QCOMPARE(ReadFile(path), after);
     }
 
     // Lines the reader does not understand, bytes that do not decode and a cut-off last code
@@ -170,14 +154,14 @@ private Q_SLOTS:
         QFETCH(QString, readable);
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("x.ini"));
-        writeFile(path, file);
+        WriteFile(path, file);
 
         const QString value = IniProfile::ReadString(path, QStringLiteral("S"), QStringLiteral("A"),
                                                      QStringLiteral("<none>"), 4096);
         QCOMPARE(value, readable);
         QVERIFY(IniProfile::WriteString(path, QStringLiteral("T"), QStringLiteral("New"),
                                         QStringLiteral("v")));
-        const QByteArray after = readFile(path);
+        const QByteArray after = ReadFile(path);
         // Every byte that was there is still there, in order: the edit only added.
         qsizetype at = 0;
         for (const char byte : file) {
@@ -206,12 +190,12 @@ private Q_SLOTS:
         if (::geteuid() == 0)
             QSKIP("file permissions do not bind the superuser");
         const QString locked = dir.filePath(QStringLiteral("locked.ini"));
-        writeFile(locked, "[S]\nK=1\n");
+        WriteFile(locked, "[S]\nK=1\n");
         QFile::setPermissions(locked, QFileDevice::WriteOwner);
         QVERIFY(!IniProfile::WriteString(locked, QStringLiteral("S"), QStringLiteral("K"),
                                          QStringLiteral("2")));
         QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        QCOMPARE(readFile(locked), QByteArray("[S]\nK=1\n"));
+        QCOMPARE(ReadFile(locked), QByteArray("[S]\nK=1\n"));
     }
 
     void readIsCutToTheBuffer() {
