@@ -7,6 +7,7 @@
 
 #include <QHash>
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -16,9 +17,12 @@ enum class Kind { Then, For, Loop, Case, Transaction, User };
 
 struct Block {
     Kind What = Kind::Then;
-    int32_t Line = 0; // one-based
-    QString Opener;   // as the messages name it: "FOR I", "THEN", "BEGIN CASE"
-    QString Variable; // of a FOR
+    int32_t Line = 0;      // one-based
+    QString Opener;        // as the messages name it: "FOR I", "THEN", "BEGIN CASE"
+    QString Variable;      // of a FOR
+    int32_t Column = 0;    // where the statements of its opening line start
+    bool Indented = false; // a line of its body stands right of Column
+    bool Dedented = false; // and a later one no further right than Column
 };
 
 // A token that is neither blanks, a mark nor a comment, with the lexer's raw kind.
@@ -94,13 +98,16 @@ public:
 private:
     void report(int32_t line, const QString& message) { findings_.push_back({line, message}); }
     void open(Kind kind, int32_t line, QString opener, QString variable = QString()) {
-        stack_.push_back({kind, line, std::move(opener), std::move(variable)});
+        stack_.push_back(
+            {kind, line, std::move(opener), std::move(variable), column_, false, false});
     }
     // Pops the innermost block of `kind`, reporting the blocks left open inside it. False when
     // none is open.
     bool close(Kind kind, int32_t line, const QString& variable);
     void closeOrReport(Kind kind, int32_t line, const QString& closer, const QString& variable);
     void middleOfCase(int32_t line);
+    void closeEnd(int32_t line);
+    void dedent(bool unlabelled, const Token& first);
     void defineLabel(int32_t line, const QString& name) {
         const auto known = labels_.constFind(name);
         if (known != labels_.constEnd())
@@ -136,6 +143,10 @@ private:
     };
     std::vector<Target> targets_;
     bool continued_ = false;
+    // Where the statements of the current line start; a continued line keeps its first's.
+    int32_t column_ = 0;
+    // The block the last END closed, when nothing but that END may have ended it.
+    std::optional<Block> lastEnd_;
 };
 
 bool Walk::close(Kind kind, int32_t line, const QString& variable) {
@@ -169,6 +180,65 @@ void Walk::closeOrReport(Kind kind, int32_t line, const QString& closer, const Q
         report(line, QStringLiteral("%1 without BEGIN TRANSACTION").arg(closer));
     else
         report(line, QStringLiteral("%1 with nothing open").arg(closer));
+}
+
+// END closes the innermost THEN, ELSE or LOCKED, or ends the program when none is open. Real
+// code lines an END up with the line that opened its block: an END further left than that
+// belongs to an outer block, and the blocks in between lost their END.
+void Walk::closeEnd(int32_t line) {
+    const auto isThen = [](const Block& b) { return b.What == Kind::Then; };
+    const auto nearest = std::find_if(stack_.rbegin(), stack_.rend(), isThen);
+    if (nearest == stack_.rend())
+        return;
+    if (column_ >= nearest->Column) {
+        // The last END of a program whose block had a statement outside it ends the program.
+        if (nearest == stack_.rbegin() && nearest->Dedented)
+            lastEnd_ = *nearest;
+        close(Kind::Then, line, QString());
+        return;
+    }
+    const auto match = std::find_if(nearest, stack_.rend(), [this](const Block& b) {
+        return b.What == Kind::Then && b.Column == column_;
+    });
+    if (match != stack_.rend()) {
+        const auto index = static_cast<size_t>(std::distance(match, stack_.rend()) - 1);
+        while (stack_.size() > index + 1) {
+            unclosed(stack_.back());
+            stack_.pop_back();
+        }
+        stack_.pop_back();
+        return;
+    }
+    // Left of its block, and the block had a statement outside it: the END belongs further
+    // out, or ends the program.
+    if (nearest == stack_.rbegin() && nearest->Dedented) {
+        unclosed(stack_.back());
+        stack_.pop_back();
+        return;
+    }
+    close(Kind::Then, line, QString());
+}
+
+// In indented code a statement that stands no further right than the THEN or ELSE line of
+// the open block may be behind that block, its END missing; real code is sloppy enough that
+// only an END out of line with the block confirms it. Only a block whose body was seen
+// indented counts, so unindented code raises nothing.
+void Walk::dedent(bool unlabelled, const Token& first) {
+    if (stack_.empty())
+        return;
+    if (column_ > stack_.back().Column) {
+        stack_.back().Indented = true;
+        return;
+    }
+    const clsKeyword* e = entry(first);
+    if (!unlabelled || (e && e->BlockFlags != 0))
+        return;
+    for (auto b = stack_.rbegin(); b != stack_.rend(); ++b) {
+        if (b->What != Kind::Then || column_ > b->Column)
+            break;
+        if (b->Indented)
+            b->Dedented = true;
+    }
 }
 
 void Walk::middleOfCase(int32_t line) {
@@ -208,6 +278,11 @@ void Walk::Line(int32_t line, const std::vector<Token>& tokens) {
         tokens[0].Text.front().isLetter()) {
         defineLabel(line, tokens[0].Text);
         start = 2;
+    }
+    lastEnd_.reset();
+    if (!continuation && start < tokens.size()) {
+        column_ = tokens[start].Start;
+        dedent(start == 0, tokens[start]);
     }
     bool first = true;
     bool gluedGo = false;
@@ -292,7 +367,7 @@ void Walk::Line(int32_t line, const std::vector<Token>& tokens) {
                 ++i;
             } else {
                 // With no THEN or ELSE open, END ends the program.
-                close(Kind::Then, line, QString());
+                closeEnd(line);
             }
             break;
         case K::BlockCase:
@@ -326,6 +401,8 @@ void Walk::Line(int32_t line, const std::vector<Token>& tokens) {
 }
 
 void Walk::Finish() {
+    if (lastEnd_)
+        unclosed(*lastEnd_);
     for (auto b = stack_.rbegin(); b != stack_.rend(); ++b)
         unclosed(*b);
     stack_.clear();
