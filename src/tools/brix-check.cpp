@@ -58,6 +58,29 @@ int checkOne(const StructureCheck& check, const QString& name, bool named) {
     return findings.empty() ? kClean : kReported;
 }
 
+// As a host's compile command: "BASIC BP HELLO" checks the item HELLO of the file BP of the
+// account that is the current folder. Words that start with "-" are compiler options.
+int checkCommand(const StructureCheck& check, const QString& command) {
+    QStringList words = command.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    words.removeIf([](const QString& w) { return w.startsWith(QLatin1Char('-')); });
+    if (words.size() < 3) {
+        std::puts(qPrintable(
+            QStringLiteral("brix-check runs only commands like \"BASIC BP HELLO\", not \"%1\".")
+                .arg(command.trimmed())));
+        return kFailed;
+    }
+    int result = kClean;
+    for (qsizetype i = 2; i < words.size(); ++i) {
+        std::printf("Checking %s %s\n", qPrintable(words[1]), qPrintable(words[i]));
+        std::fflush(stdout);
+        const int one = checkOne(check, words[1] + QLatin1Char('/') + words[i], false);
+        if (one == kClean)
+            std::puts("No structure errors.");
+        result = std::max(result, one);
+    }
+    return result;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -78,6 +101,12 @@ int main(int argc, char** argv) {
     parser.addPositionalArgument(QStringLiteral("FILE"),
                                  QStringLiteral("Programs to check; - reads the standard input."),
                                  QStringLiteral("FILE..."));
+    const QCommandLineOption tcl(
+        QStringLiteral("tcl"),
+        QStringLiteral("Act as a host's compile command: check the items that COMMAND, such as "
+                       "\"BASIC BP HELLO\", names, in the account that is the current folder."),
+        QStringLiteral("COMMAND"));
+    parser.addOption(tcl);
     if (!parser.parse(QCoreApplication::arguments())) {
         complain(parser.errorText());
         return kFailed;
@@ -87,7 +116,7 @@ int main(int argc, char** argv) {
     if (parser.isSet(QStringLiteral("version")))
         parser.showVersion();
     const QStringList files = parser.positionalArguments();
-    if (files.isEmpty()) {
+    if (files.isEmpty() && !parser.isSet(tcl)) {
         complain(QStringLiteral("No file named; give - to read the standard input. See --help."));
         return kFailed;
     }
@@ -95,7 +124,7 @@ int main(int argc, char** argv) {
     Moriox settings;
     loadSettings(settings);
     const StructureCheck check(TextFormatter::KeywordsOf(settings));
-    int result = kClean;
+    int result = parser.isSet(tcl) ? checkCommand(check, parser.value(tcl)) : kClean;
     for (const QString& file : files)
         result = std::max(result, checkOne(check, file, files.size() > 1));
     if (std::fflush(stdout) != 0) {
