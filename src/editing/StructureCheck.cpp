@@ -93,6 +93,11 @@ public:
         : table_(table), findings_(findings) {}
 
     void Line(int32_t line, const std::vector<Token>& tokens);
+    // A line of a branch the walk doesn't follow: only the label it may define counts.
+    void SkippedLine(const std::vector<Token>& tokens) {
+        if (!tokens.empty() && tokens[0].Raw == LexClass::RawLabel)
+            labelsFolded_.insert(labelName(tokens[0].Text).toUpper(), 0);
+    }
     void Finish();
 
 private:
@@ -447,6 +452,9 @@ StructureCheck::CheckLines(const std::vector<QString>& lines) const {
     buffer.SetLines(lines);
     Walk walk(*keywords_, findings);
     std::vector<Token> tokens;
+    // Of $IFDEF ... $ELSE ... $ENDIF only the first branch is walked: each branch holds a
+    // whole structure of its own.
+    std::vector<bool> skipping;
     for (int32_t i = 0; i < buffer.NumLines(); ++i) {
         const QString& text = buffer.LineText(i);
         tokens.clear();
@@ -465,7 +473,18 @@ StructureCheck::CheckLines(const std::vector<QString>& lines) const {
         bool rescan = false;
         lex_->ISourceLex4_EndLineScan(buffer, rescan);
         markGlued(tokens);
-        walk.Line(i + 1, tokens);
+        const QString directive = text.trimmed().section(QLatin1Char(' '), 0, 0).toUpper();
+        if (directive == QLatin1String("$IFDEF") || directive == QLatin1String("$IFNDEF") ||
+            directive == QLatin1String("$IF"))
+            skipping.push_back(false);
+        else if (directive == QLatin1String("$ELSE") && !skipping.empty())
+            skipping.back() = true;
+        else if (directive == QLatin1String("$ENDIF") && !skipping.empty())
+            skipping.pop_back();
+        else if (std::find(skipping.begin(), skipping.end(), true) != skipping.end())
+            walk.SkippedLine(tokens);
+        else
+            walk.Line(i + 1, tokens);
     }
     walk.Finish();
     std::stable_sort(findings.begin(), findings.end(),

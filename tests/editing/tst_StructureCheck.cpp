@@ -76,6 +76,10 @@ private slots:
         row("label twice", "10 X=1\n10 Y=2\n", "2: Label 10 is already defined on line 1\n");
         row("label forms", "GOSUB W\nGOTO L\nSTOP\nL :\nLOCAL SUB W:\nRETURN\nEND\n", "");
         row("continued line", "CALL S(A,\n10)\n10 X=1\n", "");
+        row("conditional branches",
+            "$IFDEF X\nIF A THEN\n$ELSE\nIF B THEN\nGOSUB 9\n9 X=1\n$ENDIF\n"
+            "END\nGOSUB 9\n",
+            "");
         row("names glued to keywords", "EQU K$REPEAT TO 26\nEQU K$GOTO          to 25\n", "");
         // An END left of its block's line belongs to an outer block.
         row("inner end lost", "IF A THEN\n   IF B THEN\n      X=1\nEND\n",
