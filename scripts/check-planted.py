@@ -8,7 +8,7 @@ random.seed(int(sys.argv[2]) if len(sys.argv) > 2 else 1)
 exe = sys.argv[1]
 files = []
 for d in ('scarletdme', 'tcl-utilities'):
-    base = '/work/shared/corpus/' + d
+    base = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', 'shared', 'corpus', d)
     for n in sorted(os.listdir(base)):
         files.append(os.path.join(base, n))
 closer = re.compile(rb'^\s*(END|NEXT\b.*|REPEAT|END CASE)\s*(;\s*\*.*)?$', re.I)
