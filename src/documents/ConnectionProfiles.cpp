@@ -101,12 +101,33 @@ QString ConnectionProfiles::ShippedDemoFolder() {
     return {};
 }
 
+QString ConnectionProfiles::StructureChecker() {
+    // Beside the editor, or one folder up from a test program.
+    const QString dir = QCoreApplication::applicationDirPath();
+    for (const QString& candidate :
+         {dir + QStringLiteral("/brix-check"), dir + QStringLiteral("/../brix-check")}) {
+        const QFileInfo info(candidate);
+        if (info.isFile() && info.isExecutable())
+            return info.canonicalFilePath();
+    }
+    return {};
+}
+
 HostProfile ConnectionProfiles::Demo() {
     HostProfile demo;
     demo.Name = kDemoName;
     demo.Label = QStringLiteral("Demo");
     demo.Accounts.append({QStringLiteral("DEMO"), DemoAccountFolder()});
     demo.DefaultAccount = QStringLiteral("DEMO");
+    // Without a host, brix-check stands in for the compiler.
+    const QString checker = StructureChecker();
+    if (!checker.isEmpty()) {
+        // Quoted for QProcess::splitCommand, where """ stands for one quote.
+        demo.CommandLine = QLatin1Char('"') +
+                           QString(checker).replace(QLatin1String("\""), QLatin1String("\"\"\"")) +
+                           QStringLiteral("\" --tcl");
+        demo.AllowCommands = true;
+    }
     return demo;
 }
 

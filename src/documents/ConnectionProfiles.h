@@ -22,6 +22,8 @@ public:
     // The demo account as the program ships it; never written.
     static QString ShippedDemoFolder();
     static HostProfile Demo();
+    // The brix-check program the demo profile compiles with; empty when there is none.
+    static QString StructureChecker();
 
     // Reads the file; a missing file leaves the demo profile alone, and the default.
     void Load(const QString& file);

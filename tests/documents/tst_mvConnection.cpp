@@ -127,7 +127,10 @@ private Q_SLOTS:
         QVERIFY(hello->Exists());
         QVERIFY(hello->ReadText().contains(QStringLiteral("Hello")));
         QCOMPARE(hello->HostLabel(), QStringLiteral("Demo"));
-        QVERIFY(!hello->HostAllows(12));
+        // brix-check stands in for the compiler.
+        QVERIFY(hello->HostAllows(12));
+        QCOMPARE(hello->Host()->Execute(QStringLiteral("BASIC BP HELLO ")),
+                 QStringLiteral("Checking BP HELLO\r\nNo structure errors.\r\n"));
         QCOMPARE(connection()
                      .GetResource(QStringLiteral("mvdb://*/DEMO/BP/INVOICE.TOTALS"), true, false)
                      ->ReadText()
@@ -217,8 +220,13 @@ private Q_SLOTS:
         QCOMPARE(server->Host()->Session().AccountName, QStringLiteral("ACC"));
         useProfiles({});
         auto demo = connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
-        QCOMPARE(FileTestSupport::ErrorOf([&] { demo->Host()->Execute(QStringLiteral("LIST")); }),
-                 ConnectionErrors::CommandsNotAllowed);
+        FileTestSupport::WriteFile(ConnectionProfiles::DemoAccountFolder() +
+                                       QStringLiteral("/BP/BROKEN"),
+                                   "GOSUB NOWHERE\nLOOP\nEND\n");
+        QCOMPARE(demo->Host()->Execute(QStringLiteral("BASIC BP BROKEN ")),
+                 QStringLiteral("Checking BP BROKEN\r\n1: Label NOWHERE is not defined\r\n"
+                                "2: LOOP is never closed by REPEAT\r\n"));
+        QVERIFY(demo->Host()->Execute(QStringLiteral("LIST")).contains(QLatin1String("only")));
     }
 
     // What a host writes for a terminal does not reach the results; every line ends in
