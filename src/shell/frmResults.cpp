@@ -115,9 +115,13 @@ void frmResults::placeInFrameCorner() {
     if (!frame_)
         return;
     const QRect outer = frame_->frameGeometry();
+    // Not shown yet, the window has no border of its own: it gets the frame's.
+    const QSize border = outer.size() - frame_->size();
+    const QSize size =
+        frameGeometry().size() == this->size() ? this->size() + border : frameGeometry().size();
     const int gap = cornerGap(*this);
-    move(outer.left() + outer.width() - frameGeometry().width() - gap,
-         outer.top() + outer.height() - frameGeometry().height() - gap);
+    move(outer.left() + outer.width() - size.width() - gap,
+         outer.top() + outer.height() - size.height() - gap);
 }
 
 void frmResults::PrintTo(QPrinter& printer) {
