@@ -125,20 +125,6 @@ private Q_SLOTS:
         QCOMPARE(caretLine(*document), 6);
     }
 
-    void optionsFollowTheItem() {
-        BoxAnswers answers;
-        Settings().CompileOptions = QStringLiteral("-X");
-        auto document = open(QStringLiteral("OPTS"), "CRT 1\nEND\n");
-        QVERIFY(document);
-        document->Compile();
-        QVERIFY(results());
-        // QM takes what follows the item for another item: the option came after it.
-        const QString text = results()->toPlainText();
-        QVERIFY2(text.contains(QStringLiteral("Compiling BP OPTS\n")) &&
-                     text.contains(QStringLiteral("Cannot read source record '-X'")),
-                 qPrintable(text));
-    }
-
     // The host's copy is compiled only when it is the editor's: a modified document is
     // saved first, or nothing runs.
     void modifiedDocumentIsSavedFirst_data() {

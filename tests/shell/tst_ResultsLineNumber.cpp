@@ -19,7 +19,6 @@ private Q_SLOTS:
         QTest::newRow("number at the start, clicked after it")
             << "42 missing END" << 3 << "missing" << 42;
         QTest::newRow("selection wins") << "Line 12 near 7" << 5 << "12" << 12;
-        QTest::newRow("selected text without number walks") << "x 8" << 0 << "x" << 8;
         QTest::newRow("forward stops at the line end")
             << "no number\n5: next line" << 0 << "no" << 0;
         QTest::newRow("backward stops at the line end")
@@ -30,7 +29,6 @@ private Q_SLOTS:
         QTest::newRow("any number on the line counts")
             << "Compiled 1 program" << 0 << "Compiled" << 1;
         QTest::newRow("nothing") << "no errors" << 3 << "errors" << 0;
-        QTest::newRow("empty text") << "" << 0 << "" << 0;
         QTest::newRow("too large a number") << "99999999999 x" << 12 << "x" << 0;
     }
     void find() {

@@ -12,7 +12,6 @@
 class tst_frmProperties : public QObject {
     Q_OBJECT
     std::unique_ptr<DocumentFrame> frames;
-    QTemporaryDir dir;
 
     static QStringList rowsOf(mvDocument& document) {
         frmProperties dialog(nullptr);
@@ -87,21 +86,6 @@ private Q_SLOTS:
             shown[0] = shown[0].section(QLatin1Char('='), 0, 0) + QLatin1Char('=');
         QCOMPARE(shown, rows);
         context = HostContext{};
-    }
-
-    void localFileRows() {
-        const QString path = dir.filePath(QStringLiteral("prog.bas"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("X = 1\n");
-        file.close();
-        auto document = mvDocument::Create();
-        QVERIFY(document->FileOpen(path, false));
-        const QStringList rows = rowsOf(*document);
-        QCOMPARE(rows.mid(1), (QStringList{"File name=prog.bas", "Modified=no", "Read only=no",
-                                           "Size=7", "Lines=1"}));
-        QVERIFY2(rows[0].startsWith(QLatin1String("Location=")) && rows[0].contains(dir.path()),
-                 qPrintable(rows[0]));
     }
 };
 
