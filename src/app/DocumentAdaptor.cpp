@@ -9,7 +9,6 @@
 namespace {
 
 constexpr int32_t ObjectGone = 91;
-constexpr int32_t NotSupported = 438;
 
 } // namespace
 
@@ -157,7 +156,7 @@ void DocumentAdaptor::PrintText(const QDBusMessage& call) {
 }
 
 void DocumentAdaptor::Compile(const QDBusMessage& call) {
-    AutomationReply::SendError(call, NotSupported, QStringLiteral("Compiling is not available"));
+    AutomationReply::Run(call, "", [&] { document()->Compile(); });
 }
 
 void DocumentAdaptor::Format(const QDBusMessage& call) {

@@ -118,6 +118,9 @@ public:
     void Format();
     // Prints through the platform's print dialog, with page headers and line numbers.
     void PrintText();
+    // Compiles the saved item on its host and shows the compiler's output in the results
+    // window. Errors of the host go to the caller.
+    void Compile();
 
     // The editor and its buffer; both exist once EnsureView has run.
     SourceView* Editor() const;

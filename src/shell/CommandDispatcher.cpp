@@ -34,7 +34,7 @@ const CommandDispatcher::Entry CommandDispatcher::Table[] = {
     {"SaveAll", &CommandDispatcher::saveAll},
     {"Print", &CommandDispatcher::print},
     {"Exit", &CommandDispatcher::exit},
-    {"Properties", nullptr},
+    {"Properties", &CommandDispatcher::properties},
     {"Undo", &CommandDispatcher::undo},
     {"Redo", &CommandDispatcher::redo},
     {"Cut", &CommandDispatcher::cut},
@@ -57,11 +57,11 @@ const CommandDispatcher::Entry CommandDispatcher::Table[] = {
     {"ViewStatusbar", &CommandDispatcher::viewStatusbar},
     {"Highlight", &CommandDispatcher::highlight},
     {"LineWrap", &CommandDispatcher::lineWrap},
-    {"Results", nullptr},
+    {"Results", &CommandDispatcher::results},
     {"ValueMark", &CommandDispatcher::valueMark},
     {"SubValueMark", &CommandDispatcher::subValueMark},
     {"Format", &CommandDispatcher::format},
-    {"Compile", nullptr},
+    {"Compile", &CommandDispatcher::compile},
     {"ToggleCase", &CommandDispatcher::toggleCase},
     {"OptGeneral", &CommandDispatcher::optGeneral},
     {"OptHighlight", &CommandDispatcher::optHighlight},
@@ -305,6 +305,18 @@ void CommandDispatcher::uncommentBlock(bool) {
 
 void CommandDispatcher::format(bool) {
     EditCommands::Format(active());
+}
+
+void CommandDispatcher::properties(bool) {
+    frame_.ShowProperties(active());
+}
+
+void CommandDispatcher::results(bool) {
+    frame_.ShowResults(QString());
+}
+
+void CommandDispatcher::compile(bool) {
+    frame_.CompileDocument(active());
 }
 
 void CommandDispatcher::toggleCase(bool) {

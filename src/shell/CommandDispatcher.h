@@ -62,6 +62,9 @@ private:
     void uncommentBlock(bool);
     void format(bool);
     void toggleCase(bool);
+    void properties(bool);
+    void results(bool);
+    void compile(bool);
     void find(bool);
     void findNext(bool);
     void replace(bool);

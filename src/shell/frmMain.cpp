@@ -25,6 +25,8 @@
 #include "shell/CursorCommands.h"
 #include "shell/DocumentTabs.h"
 #include "shell/KeyboardFilter.h"
+#include "shell/frmProperties.h"
+#include "shell/frmResults.h"
 #include "support/MsgBoxEx.h"
 #include "support/ShowError.h"
 #include "support/UnicodeClipboard.h"
@@ -449,6 +451,25 @@ int16_t frmMain::PromptToSave(const std::shared_ptr<mvDocument>& document, const
         return saved ? SavedOrClean : Cancelled;
     }
     return answer == MsgBox::No ? Declined : Cancelled;
+}
+
+void frmMain::CompileDocument(const std::shared_ptr<mvDocument>& document) {
+    if (!document)
+        return;
+    if (PromptToSave(document,
+                     QStringLiteral("Program has not been saved. Do you want\nto save the "
+                                    "file, then compile the program?"),
+                     MsgBox::OKCancel) == Cancelled)
+        return;
+    document->Compile();
+}
+
+void frmMain::ShowProperties(const std::shared_ptr<mvDocument>& document) {
+    frmProperties::ShowDialog(document, this);
+}
+
+void frmMain::ShowResults(const QString& text) {
+    frmResults::ShowResults(text, this);
 }
 
 int16_t frmMain::CloseDocument(const std::shared_ptr<mvDocument>& document) {

@@ -84,6 +84,10 @@ public:
     bool CloseAllDocuments();
     // Saves every dirty document without asking; a read-only one asks whether to go on.
     void SaveAllDocuments();
+    // Offers to save a modified document first; OK or a clean document compiles it.
+    void CompileDocument(const std::shared_ptr<mvDocument>& document);
+    void ShowProperties(const std::shared_ptr<mvDocument>& document);
+    void ShowResults(const QString& text) override;
     // Closes the documents, then the frame.
     void ExitApplication();
     // The editor's context menu at `globalPos`, set up for the word under it (a WordKind).

@@ -48,4 +48,6 @@ public:
         (void)forceDialog;
     }
     virtual void HandleOpen(const std::shared_ptr<mvDocument>& document) { (void)document; }
+    // The compiler's output in the results window; empty text shows the last one again.
+    virtual void ShowResults(const QString& text) { (void)text; }
 };

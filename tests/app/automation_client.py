@@ -159,7 +159,7 @@ def malformed():
     print(error_of(lambda: get("/Documents/999", DOC_IF, "Text")).split(" | ")[0])
     print(error_of(lambda: doc("/Documents/999").FileSave()).split(" | ")[0])
     print(error_of(lambda: doc(path).GotoLabel("NOWHERE")))
-    print(error_of(lambda: doc(path).Compile()).split(" | ")[0])
+    print(error_of(lambda: doc("/Documents/999").Compile()).split(" | ")[0])
     doc(path).FileClose(False)
     print(error_of(lambda: doc(path).FileSave()).split(" | ")[0])
     print("still up", int(docs().Count()))

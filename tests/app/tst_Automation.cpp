@@ -95,7 +95,7 @@ private Q_SLOTS:
                      QStringLiteral("org.freedesktop.DBus.Error.UnknownObject"),
                      QStringLiteral("com.tolvek.Brix70.Error.E32767 | 32767: Target label not "
                                     "found!"),
-                     QStringLiteral("com.tolvek.Brix70.Error.E438"),
+                     QStringLiteral("org.freedesktop.DBus.Error.UnknownObject"),
                      QStringLiteral("org.freedesktop.DBus.Error.UnknownObject"),
                      QStringLiteral("still up 0"),
                  }));

@@ -1,0 +1,44 @@
+#include "TestEnv.h"
+
+#include "shell/ResultsLineNumber.h"
+
+// Which line a double-click on the compiler's output points at.
+class tst_ResultsLineNumber : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void find_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("start");
+        QTest::addColumn<QString>("selected");
+        QTest::addColumn<int>("line");
+        const QString syntax = QStringLiteral("Line 12 syntax error");
+        QTest::newRow("last word: back to the left")
+            << syntax << int(syntax.indexOf(QLatin1String("error"))) << "error" << 12;
+        QTest::newRow("first digits to the right") << "[B100] 12" << 0 << "" << 100;
+        QTest::newRow("number at the start, clicked after it")
+            << "42 missing END" << 3 << "missing" << 42;
+        QTest::newRow("selection wins") << "Line 12 near 7" << 5 << "12" << 12;
+        QTest::newRow("forward stops at the line end")
+            << "no number\n5: next line" << 0 << "no" << 0;
+        QTest::newRow("backward stops at the line end")
+            << "3: first\nsecond line" << 9 << "second" << 0;
+        QTest::newRow("backward on a later line") << "first\n17 bad token" << 12 << "token" << 17;
+        QTest::newRow("QM include form") << "Compiling\r\n12.3: Bad" << 11 << "" << 12;
+        QTest::newRow("zero padded") << "000012 error" << 7 << "error" << 12;
+        QTest::newRow("any number on the line counts")
+            << "Compiled 1 program" << 0 << "Compiled" << 1;
+        QTest::newRow("nothing") << "no errors" << 3 << "errors" << 0;
+        QTest::newRow("too large a number") << "99999999999 x" << 12 << "x" << 0;
+    }
+    void find() {
+        QFETCH(QString, text);
+        QFETCH(int, start);
+        QFETCH(QString, selected);
+        QFETCH(int, line);
+        QCOMPARE(ResultsLineNumber::Find(text, start, selected), line);
+    }
+};
+
+BRIX_TEST_MAIN(tst_ResultsLineNumber)
+#include "tst_ResultsLineNumber.moc"
