@@ -25,6 +25,9 @@ HostResource::HostResource(std::shared_ptr<mvHost> host, QString server, QString
     : host_(std::move(host)), server_(std::move(server)), database_(std::move(database)),
       folder_(std::move(folder)), item_(std::move(itemId)), names_(profile().ItemNames),
       codec_(profile().RawMarks, profile().Charset) {
+    // A path that names no account means the host's default one, where it has one.
+    if (database_.isEmpty() && (!folder_.isEmpty() || !item_.isEmpty()))
+        database_ = profile().DefaultAccount;
     if (database_.isEmpty() && (!folder_.isEmpty() || !item_.isEmpty()))
         throw BrixError(ConnectionErrors::BadPath,
                         QStringLiteral("The path names a file but no account."));
