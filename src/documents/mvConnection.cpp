@@ -4,6 +4,7 @@
 #include "documents/FileResource.h"
 #include "documents/HostResource.h"
 #include "documents/LocalTransport.h"
+#include "documents/SshTransport.h"
 #include "documents/frmBrowse.h"
 #include "documents/mvHost.h"
 
@@ -33,7 +34,8 @@ const ConnectionProfiles& mvConnection::Profiles() {
 }
 
 std::shared_ptr<HostTransport> mvConnection::transportFor(const HostProfile& profile) {
-    if (profile.Transport != QLatin1String("local"))
+    const bool ssh = profile.Transport == QLatin1String("ssh");
+    if (!ssh && profile.Transport != QLatin1String("local"))
         throw BrixError(
             ConnectionErrors::UnknownServer,
             QStringLiteral("The connection \"%1\" uses the transport \"%2\", which this "
@@ -41,7 +43,11 @@ std::shared_ptr<HostTransport> mvConnection::transportFor(const HostProfile& pro
                 .arg(profile.Name, profile.Transport));
     const QString key = profile.Name.toLower();
     auto& transport = transports_[key];
-    if (!transport)
+    if (!transport && ssh)
+        transport = std::make_shared<SshTransport>(
+            SshTransport::Target{profile.SshHost, profile.SshPort, profile.SshUser,
+                                 profile.SshIdentityFile, profile.SshConfigFile});
+    else if (!transport)
         transport = std::make_shared<LocalTransport>();
     transport->SetCommandTimeout(profile.CommandTimeout * 1000);
     return transport;
