@@ -5,6 +5,7 @@
 #include "documents/HostResource.h"
 #include "documents/LocalTransport.h"
 #include "documents/SshTransport.h"
+#include "documents/WaitingTransport.h"
 #include "documents/frmBrowse.h"
 #include "documents/mvHost.h"
 
@@ -44,11 +45,11 @@ std::shared_ptr<HostTransport> mvConnection::transportFor(const HostProfile& pro
     const QString key = profile.Name.toLower();
     auto& transport = transports_[key];
     if (!transport && ssh)
-        transport = std::make_shared<SshTransport>(
+        transport = std::make_shared<WaitingTransport>(std::make_shared<SshTransport>(
             SshTransport::Target{profile.SshHost, profile.SshPort, profile.SshUser,
-                                 profile.SshIdentityFile, profile.SshConfigFile});
+                                 profile.SshIdentityFile, profile.SshConfigFile}));
     else if (!transport)
-        transport = std::make_shared<LocalTransport>();
+        transport = std::make_shared<WaitingTransport>(std::make_shared<LocalTransport>());
     transport->SetCommandTimeout(profile.CommandTimeout * 1000);
     return transport;
 }
