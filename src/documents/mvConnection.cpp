@@ -76,10 +76,16 @@ std::shared_ptr<mvResource> mvConnection::GetResource(const QString& path, bool 
     if (parts.Provider == QLatin1String("file")) {
         resource = std::make_shared<FileResource>(parts.Folder, parts.ItemID);
     } else if (parts.Provider == QLatin1String("mvdb")) {
-        resource = std::make_shared<HostResource>(HostFor(parts.ServerName, parts.Database),
+        // "*" as the account (a recent entry's form) is the connection's default account.
+        QString account = parts.Database;
+        if (account == QLatin1String("*")) {
+            const HostProfile* profile = Profiles().Find(parts.ServerName);
+            account = profile ? profile->DefaultAccount : QString();
+        }
+        resource = std::make_shared<HostResource>(HostFor(parts.ServerName, account),
                                                   parts.ServerName.isEmpty() ? QStringLiteral("*")
                                                                              : parts.ServerName,
-                                                  parts.Database, parts.Folder, parts.ItemID);
+                                                  account, parts.Folder, parts.ItemID);
     } else {
         throw BrixError(ConnectionErrors::BadPath,
                         QStringLiteral("\"%1\" is not a path this program knows.").arg(path));
