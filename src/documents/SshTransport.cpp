@@ -5,7 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QStandardPaths>
+#include <unistd.h>
 
 namespace {
 
@@ -38,7 +38,16 @@ bool isPermissionError(const QByteArray& err) {
 
 } // namespace
 
-SshTransport::SshTransport(Target target) : target_(std::move(target)) {}
+SshTransport::SshTransport(Target target) : target_(std::move(target)) {
+    // Unix socket names are short (about 108 bytes): %C is a 40-character hash. Without the
+    // folder ssh would quietly connect afresh for every call.
+    QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (folder.isEmpty() || folder.size() > 60 || !QDir(folder).exists())
+        folder = QDir::tempPath() + QStringLiteral("/brix-ssh-") + QString::number(::getuid());
+    if (!QDir(folder).exists() && QDir().mkpath(folder))
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    controlPath_ = folder + QStringLiteral("/brix-%C");
+}
 
 SshTransport::~SshTransport() = default;
 
@@ -59,11 +68,7 @@ QString SshTransport::Quote(const QString& word) {
 }
 
 QString SshTransport::controlPath() const {
-    // Unix socket names are short (about 108 bytes): %C is a 40-character hash.
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (folder.isEmpty() || folder.size() > 60)
-        folder = QDir::tempPath();
-    return folder + QStringLiteral("/brix-%C");
+    return controlPath_;
 }
 
 QStringList SshTransport::SshCommand(const QString& remote) const {

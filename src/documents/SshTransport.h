@@ -51,5 +51,11 @@ private:
                            const Outcome& outcome) const;
     QString controlPath() const;
 
+public:
+    // The shared connection's socket, "%C" standing for ssh's hash of the destination.
+    QString ControlPath() const { return controlPath_; }
+
+private:
     Target target_;
+    QString controlPath_;
 };

@@ -32,6 +32,11 @@ private slots:
         if (!server_->Started())
             QSKIP(qPrintable(server_->Error()));
         ssh_ = std::make_shared<SshTransport>(server_->Target());
+        // Calls share one connection: its socket is there after the first.
+        ssh_->Stat(QStringLiteral("/"));
+        const QFileInfo socket(ssh_->ControlPath());
+        QVERIFY2(!QDir(socket.path()).entryList({QStringLiteral("brix-*")}, QDir::System).isEmpty(),
+                 qPrintable(socket.path()));
     }
     void init() { dir_ = std::make_unique<QTemporaryDir>(); }
     void cleanupTestCase() { server_.reset(); }
