@@ -193,7 +193,25 @@ void ConnectionProfiles::Load(const QString& file) {
             if (!lockFolder.isEmpty() && !lockFolder.contains(QLatin1Char('/')) &&
                 lockFolder != QLatin1String("..") && lockFolder != QLatin1String("."))
                 p.LockFolder = lockFolder;
-            if (p.Transport != QLatin1String("local"))
+            p.SshHost = text(ini.value(QStringLiteral("Host"))).trimmed();
+            p.SshUser = text(ini.value(QStringLiteral("User"))).trimmed();
+            p.SshIdentityFile = expandHome(text(ini.value(QStringLiteral("IdentityFile"))));
+            p.SshConfigFile = expandHome(text(ini.value(QStringLiteral("SshConfig"))));
+            const QString port = text(ini.value(QStringLiteral("Port"))).trimmed();
+            if (!port.isEmpty()) {
+                bool number = false;
+                p.SshPort = port.toInt(&number);
+                if (!number || p.SshPort <= 0 || p.SshPort > 65535) {
+                    p.SshPort = 0;
+                    Warnings << QStringLiteral("Connection %1: Port must be a number from 1 to "
+                                               "65535; ssh's own choice is used.")
+                                    .arg(group);
+                }
+            }
+            if (p.Transport == QLatin1String("ssh") && p.SshHost.isEmpty())
+                Warnings
+                    << QStringLiteral("Connection %1: the ssh transport needs a Host.").arg(group);
+            if (p.Transport != QLatin1String("local") && p.Transport != QLatin1String("ssh"))
                 Warnings << QStringLiteral("Connection %1: transport \"%2\" is not available.")
                                 .arg(group, p.Transport);
             ini.endGroup();

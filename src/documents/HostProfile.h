@@ -13,8 +13,15 @@ struct HostProfile {
     QString Name;
     // Shown in titles ("BP MAIN on PROD"); empty gives none.
     QString Label;
-    // "local" (this machine); other transports bring their own keys.
+    // "local" (this machine) or "ssh" (the system's OpenSSH client).
     QString Transport = QStringLiteral("local");
+    // For "ssh": where to; empty values leave them to the user's ssh configuration.
+    QString SshHost;
+    int SshPort = 0;
+    QString SshUser;
+    QString SshIdentityFile;
+    // An ssh configuration file used instead of ~/.ssh/config.
+    QString SshConfigFile;
     // Every folder inside is an account of that name.
     QString AccountsFolder;
     // Accounts elsewhere, by name.

@@ -4,6 +4,8 @@
 #include "documents/FileResource.h"
 #include "documents/HostResource.h"
 #include "documents/LocalTransport.h"
+#include "documents/SshTransport.h"
+#include "documents/WaitingTransport.h"
 #include "documents/frmBrowse.h"
 #include "documents/mvHost.h"
 
@@ -33,7 +35,8 @@ const ConnectionProfiles& mvConnection::Profiles() {
 }
 
 std::shared_ptr<HostTransport> mvConnection::transportFor(const HostProfile& profile) {
-    if (profile.Transport != QLatin1String("local"))
+    const bool ssh = profile.Transport == QLatin1String("ssh");
+    if (!ssh && profile.Transport != QLatin1String("local"))
         throw BrixError(
             ConnectionErrors::UnknownServer,
             QStringLiteral("The connection \"%1\" uses the transport \"%2\", which this "
@@ -41,8 +44,12 @@ std::shared_ptr<HostTransport> mvConnection::transportFor(const HostProfile& pro
                 .arg(profile.Name, profile.Transport));
     const QString key = profile.Name.toLower();
     auto& transport = transports_[key];
-    if (!transport)
-        transport = std::make_shared<LocalTransport>();
+    if (!transport && ssh)
+        transport = std::make_shared<WaitingTransport>(std::make_shared<SshTransport>(
+            SshTransport::Target{profile.SshHost, profile.SshPort, profile.SshUser,
+                                 profile.SshIdentityFile, profile.SshConfigFile}));
+    else if (!transport)
+        transport = std::make_shared<WaitingTransport>(std::make_shared<LocalTransport>());
     transport->SetCommandTimeout(profile.CommandTimeout * 1000);
     return transport;
 }
@@ -69,10 +76,16 @@ std::shared_ptr<mvResource> mvConnection::GetResource(const QString& path, bool 
     if (parts.Provider == QLatin1String("file")) {
         resource = std::make_shared<FileResource>(parts.Folder, parts.ItemID);
     } else if (parts.Provider == QLatin1String("mvdb")) {
-        resource = std::make_shared<HostResource>(HostFor(parts.ServerName, parts.Database),
+        // "*" as the account (a recent entry's form) is the connection's default account.
+        QString account = parts.Database;
+        if (account == QLatin1String("*")) {
+            const HostProfile* profile = Profiles().Find(parts.ServerName);
+            account = profile ? profile->DefaultAccount : QString();
+        }
+        resource = std::make_shared<HostResource>(HostFor(parts.ServerName, account),
                                                   parts.ServerName.isEmpty() ? QStringLiteral("*")
                                                                              : parts.ServerName,
-                                                  parts.Database, parts.Folder, parts.ItemID);
+                                                  account, parts.Folder, parts.ItemID);
     } else {
         throw BrixError(ConnectionErrors::BadPath,
                         QStringLiteral("\"%1\" is not a path this program knows.").arg(path));

@@ -119,6 +119,21 @@ private Q_SLOTS:
         QCOMPARE(connection().Profiles().DefaultName(), QStringLiteral("demo"));
     }
 
+    void sshProfiles() {
+        useProfiles("[remote]\nTransport=ssh\nHost=mv.example.com\nPort=2222\nUser=alice\n"
+                    "IdentityFile=~/.ssh/id_mv\n\n[nohost]\nTransport=ssh\nPort=99999\n\n"
+                    "[odd]\nTransport=telnet\n");
+        const ConnectionProfiles& p = connection().Profiles();
+        const HostProfile& remote = *p.Find(QStringLiteral("remote"));
+        QCOMPARE(remote.SshHost, QStringLiteral("mv.example.com"));
+        QCOMPARE(remote.SshPort, 2222);
+        QCOMPARE(remote.SshUser, QStringLiteral("alice"));
+        QCOMPARE(remote.SshIdentityFile, QDir::homePath() + QStringLiteral("/.ssh/id_mv"));
+        QCOMPARE(p.Find(QStringLiteral("nohost"))->SshPort, 0);
+        // No host, a bad port, an unknown transport: one warning each.
+        QCOMPARE(p.Warnings.size(), 3);
+    }
+
     // A newcomer's first path: the demo account through the default connection.
     void demoAccount() {
         useProfiles({});
@@ -168,6 +183,10 @@ private Q_SLOTS:
             QVERIFY(!r->Locked());
             r->Release();
         }
+        // The recent list's form: the default connection's default account.
+        auto recent = connection().GetResource(QStringLiteral("mvdb://*/*/BP/MAIN"), true, false);
+        QVERIFY(recent->Exists());
+        QCOMPARE(recent->DisplayID(), QStringLiteral("MAIN"));
         auto other = connection().GetResource(QStringLiteral("mvdb://*/other/BP/X"), true, false);
         QVERIFY(!other->Exists());
     }

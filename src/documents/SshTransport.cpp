@@ -1,0 +1,292 @@
+#include "documents/SshTransport.h"
+
+#include "documents/ConnectionErrors.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <unistd.h>
+
+namespace {
+
+// Every script starts so: messages in one language, that the reading of them can rely on.
+const QString kPrologue = QStringLiteral("export LC_ALL=C\n");
+
+// A temporary file beside the target; a save that died half way leaves one, which the next
+// save in that folder removes once it is an hour old.
+const QString kTemporary = QStringLiteral(
+    "d=$(dirname -- \"$p\")\n"
+    "find \"$d\" -maxdepth 1 -type f -name '.brix-save-*' -mmin +60 -exec rm -f {} + "
+    "2>/dev/null\n"
+    "t=$d/.brix-save-$$-$(date +%s%N)\n"
+    "set -C\n"
+    "cat > \"$t\" || { rm -f -- \"$t\"; exit 1; }\n"
+    // A dropped connection ends the input early without an error: count what came.
+    "if [ \"$(wc -c < \"$t\")\" -ne \"$n\" ]; then rm -f -- \"$t\";\n"
+    "  echo 'The connection ended before all of the text arrived.' >&2; exit 1; fi\n");
+
+QString lastLine(const QByteArray& bytes) {
+    const QStringList lines =
+        QString::fromLocal8Bit(bytes).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return lines.isEmpty() ? QString() : lines.last().trimmed();
+}
+
+bool isPermissionError(const QByteArray& err) {
+    return err.contains("Permission denied") || err.contains("Read-only file system") ||
+           err.contains("Operation not permitted");
+}
+
+} // namespace
+
+SshTransport::SshTransport(Target target) : target_(std::move(target)) {
+    // Unix socket names are short (about 108 bytes): %C is a 40-character hash. Without the
+    // folder ssh would quietly connect afresh for every call.
+    QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (folder.isEmpty() || folder.size() > 60 || !QDir(folder).exists())
+        folder = QDir::tempPath() + QStringLiteral("/brix-ssh-") + QString::number(::getuid());
+    if (!QDir(folder).exists() && QDir().mkpath(folder))
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    controlPath_ = folder + QStringLiteral("/brix-%C");
+}
+
+SshTransport::~SshTransport() = default;
+
+QString SshTransport::Place() const {
+    QString place = QStringLiteral("ssh:");
+    if (!target_.User.isEmpty())
+        place += target_.User + QLatin1Char('@');
+    place += target_.Host;
+    if (target_.Port > 0)
+        place += QLatin1Char(':') + QString::number(target_.Port);
+    return place;
+}
+
+QString SshTransport::Quote(const QString& word) {
+    QString quoted = word;
+    quoted.replace(QLatin1Char('\''), QLatin1String("'\\''"));
+    return QLatin1Char('\'') + quoted + QLatin1Char('\'');
+}
+
+QString SshTransport::controlPath() const {
+    return controlPath_;
+}
+
+QStringList SshTransport::SshCommand(const QString& remote) const {
+    QStringList command{QStringLiteral("ssh")};
+    if (!target_.ConfigFile.isEmpty())
+        command << QStringLiteral("-F") << target_.ConfigFile;
+    // Never a question: an unknown or changed host key is refused, not accepted.
+    command << QStringLiteral("-T") << QStringLiteral("-o") << QStringLiteral("BatchMode=yes")
+            << QStringLiteral("-o") << QStringLiteral("StrictHostKeyChecking=yes")
+            << QStringLiteral("-o") << QStringLiteral("ConnectTimeout=30") << QStringLiteral("-o")
+            << QStringLiteral("ControlMaster=auto") << QStringLiteral("-o")
+            << QStringLiteral("ControlPath=") + controlPath() << QStringLiteral("-o")
+            << QStringLiteral("ControlPersist=60");
+    if (target_.Port > 0)
+        command << QStringLiteral("-p") << QString::number(target_.Port);
+    if (!target_.User.isEmpty())
+        command << QStringLiteral("-l") << target_.User;
+    if (!target_.IdentityFile.isEmpty())
+        command << QStringLiteral("-i") << target_.IdentityFile;
+    command << QStringLiteral("--") << target_.Host << remote;
+    return command;
+}
+
+SshTransport::Outcome SshTransport::script(const QString& text, const QStringList& args,
+                                           const QByteArray& input, int timeout) {
+    if (target_.Host.isEmpty())
+        throw BrixError(ConnectionErrors::UnknownServer,
+                        QStringLiteral("The connection has no Host to reach over ssh."));
+    QString remote = QStringLiteral("sh -c ") + Quote(kPrologue + text) + QStringLiteral(" brix");
+    for (const QString& arg : args)
+        remote += QLatin1Char(' ') + Quote(arg);
+    const QStringList command = SshCommand(remote);
+    QProcess process;
+    process.setProgram(command.first());
+    process.setArguments(command.mid(1));
+    process.start();
+    if (!process.waitForStarted(30000))
+        throw BrixError(
+            ConnectionErrors::ReadFailed,
+            QStringLiteral("Can't start the ssh client: %1.").arg(process.errorString()));
+    if (!input.isEmpty())
+        process.write(input);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(timeout) && process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished(5000);
+        throw BrixError(ConnectionErrors::CommandTimedOut,
+                        QStringLiteral("%1 did not answer within %2 seconds.")
+                            .arg(target_.Host)
+                            .arg(timeout / 1000));
+    }
+    Outcome outcome;
+    outcome.Out = process.readAllStandardOutput();
+    outcome.Err = process.readAllStandardError();
+    outcome.ExitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    if (outcome.ExitCode == 255 || outcome.ExitCode == -1) {
+        if (outcome.Err.contains("Host key verification failed") ||
+            outcome.Err.contains("HOST IDENTIFICATION HAS CHANGED"))
+            throw BrixError(
+                ConnectionErrors::ReadFailed,
+                QStringLiteral("The host key of %1 is unknown or has changed, so the connection "
+                               "was refused. To check the key and accept it, run \"%2\" once "
+                               "in a terminal.")
+                    .arg(
+                        target_.Host,
+                        QStringLiteral("ssh ") +
+                            (target_.Port > 0 ? QStringLiteral("-p %1 ").arg(target_.Port)
+                                              : QString()) +
+                            (target_.User.isEmpty() ? QString() : target_.User + QLatin1Char('@')) +
+                            target_.Host));
+        throw BrixError(ConnectionErrors::ReadFailed,
+                        QStringLiteral("The connection to %1 over ssh failed: %2")
+                            .arg(target_.Host, lastLine(outcome.Err).isEmpty()
+                                                   ? QStringLiteral("the ssh client ended.")
+                                                   : lastLine(outcome.Err)));
+    }
+    return outcome;
+}
+
+void SshTransport::fail(int32_t number, const QString& what, const QString& path,
+                        const Outcome& outcome) const {
+    const QString why = lastLine(outcome.Err);
+    throw BrixError(number, QStringLiteral("%1 \"%2\" on %3: %4")
+                                .arg(what, path, target_.Host,
+                                     why.isEmpty() ? QStringLiteral("it failed.") : why));
+}
+
+HostTransport::FileInfo SshTransport::Stat(const QString& path) {
+    const Outcome o = script(QStringLiteral("if [ -e \"$1\" ]; then\n"
+                                            "  stat -L -c '%f %s' -- \"$1\" || exit 3\n"
+                                            "  if [ -w \"$1\" ]; then echo w; else echo r; fi\n"
+                                            "else echo none; fi\n"),
+                             {path});
+    if (o.ExitCode != 0)
+        fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't look at"), path, o);
+    FileInfo info;
+    const QList<QByteArray> lines = o.Out.split('\n');
+    if (lines.value(0) == "none")
+        return info;
+    const QList<QByteArray> words = lines.value(0).split(' ');
+    bool ok = false;
+    const unsigned mode = words.value(0).toUInt(&ok, 16);
+    if (!ok || words.size() != 2)
+        fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't look at"), path, o);
+    info.Exists = true;
+    info.IsFolder = (mode & 0170000) == 0040000;
+    info.IsFile = (mode & 0170000) == 0100000;
+    info.Mode = mode & 07777;
+    info.Size = words.value(1).toLongLong();
+    info.Writable = lines.value(1) == "w";
+    return info;
+}
+
+std::vector<HostTransport::Entry> SshTransport::List(const QString& folder) {
+    const Outcome o =
+        script(QStringLiteral("cd -- \"$1\" && "
+                              "find -L . -mindepth 1 -maxdepth 1 -printf '%y%P\\0'\n"),
+               {folder});
+    if (o.ExitCode != 0)
+        fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't list the folder"), folder, o);
+    std::vector<Entry> entries;
+    for (const QByteArray& record : o.Out.split('\0')) {
+        if (record.size() < 2)
+            continue;
+        entries.push_back({QFile::decodeName(record.mid(1)), record.at(0) == 'd'});
+    }
+    return entries;
+}
+
+QByteArray SshTransport::ReadFile(const QString& path) {
+    const Outcome o = script(QStringLiteral("exec cat -- \"$1\"\n"), {path});
+    if (o.ExitCode != 0)
+        fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't read"), path, o);
+    return o.Out;
+}
+
+void SshTransport::WriteFile(const QString& path, const QByteArray& bytes) {
+    Outcome o;
+    try {
+        o = script(
+            QStringLiteral("p=$1; n=$2\n"
+                           "if [ -d \"$p\" ]; then echo 'Is a directory' >&2; exit 1; fi\n") +
+                kTemporary +
+                QStringLiteral(
+                    "if [ -e \"$p\" ]; then\n"
+                    "  chown --reference=\"$p\" -- \"$t\" 2>/dev/null\n"
+                    "  chmod --reference=\"$p\" -- \"$t\" || { rm -f -- \"$t\"; exit 1; }\n"
+                    "fi\n"
+                    "sync -- \"$t\" 2>/dev/null\n"
+                    "mv -f -T -- \"$t\" \"$p\" || { rm -f -- \"$t\"; exit 1; }\n"),
+            {path, QString::number(bytes.size())}, bytes);
+    } catch (const BrixError& e) {
+        throw BrixError(ConnectionErrors::WriteFailed, e.Description);
+    }
+    if (o.ExitCode != 0)
+        fail(isPermissionError(o.Err) ? BrixErrors::CannotWrite : ConnectionErrors::WriteFailed,
+             QStringLiteral("Can't write"), path, o);
+}
+
+bool SshTransport::CreateExclusive(const QString& path, const QByteArray& bytes) {
+    const Outcome o = script(
+        QStringLiteral("p=$1; n=$2\n") + kTemporary +
+            QStringLiteral("chmod 644 -- \"$t\"\n"
+                           "if ln -- \"$t\" \"$p\" 2>/dev/null; then rm -f -- \"$t\"; "
+                           "echo created; exit 0; fi\n"
+                           "rm -f -- \"$t\"\n"
+                           "if [ -e \"$p\" ] || [ -L \"$p\" ]; then echo exists; exit 0; fi\n"
+                           "echo \"Can't link $p\" >&2; exit 1\n"),
+        {path, QString::number(bytes.size())}, bytes);
+    if (o.ExitCode != 0)
+        fail(ConnectionErrors::LockFailed, QStringLiteral("Can't create"), path, o);
+    return o.Out.startsWith("created");
+}
+
+bool SshTransport::Rename(const QString& from, const QString& to) {
+    const Outcome o = script(
+        QStringLiteral("if [ ! -e \"$1\" ] && [ ! -L \"$1\" ]; then echo missing; exit 0; fi\n"
+                       "mv -f -T -- \"$1\" \"$2\" && echo moved\n"),
+        {from, to});
+    if (o.ExitCode != 0)
+        fail(ConnectionErrors::WriteFailed, QStringLiteral("Can't rename"), from, o);
+    return o.Out.startsWith("moved");
+}
+
+void SshTransport::Remove(const QString& path) {
+    const Outcome o = script(QStringLiteral("rm -f -- \"$1\"\n"), {path});
+    if (o.ExitCode != 0)
+        fail(ConnectionErrors::WriteFailed, QStringLiteral("Can't remove"), path, o);
+}
+
+void SshTransport::MakeFolder(const QString& path) {
+    const Outcome o = script(QStringLiteral("mkdir -p -- \"$1\"\n"), {path});
+    if (o.ExitCode != 0)
+        fail(isPermissionError(o.Err) ? BrixErrors::CannotWrite : ConnectionErrors::WriteFailed,
+             QStringLiteral("Can't create the folder"), path, o);
+}
+
+QByteArray SshTransport::Run(const QStringList& command, const QString& workingFolder,
+                             int& exitCode) {
+    exitCode = -1;
+    if (command.isEmpty())
+        throw BrixError(ConnectionErrors::CommandFailed, QStringLiteral("No command line is set."));
+    Outcome o;
+    try {
+        o = script(QStringLiteral("exec 2>&1 </dev/null\n"
+                                  "if [ -n \"$1\" ]; then cd -- \"$1\" || exit 126; fi\n"
+                                  "shift\n"
+                                  "exec \"$@\"\n"),
+                   QStringList{workingFolder} + command, {}, CommandTimeout());
+    } catch (const BrixError& e) {
+        if (e.Number != ConnectionErrors::CommandTimedOut)
+            throw BrixError(ConnectionErrors::CommandFailed, e.Description);
+        throw BrixError(ConnectionErrors::CommandTimedOut,
+                        QStringLiteral("The host command \"%1\" did not finish within %2 seconds "
+                                       "and was stopped.")
+                            .arg(command.last())
+                            .arg(CommandTimeout() / 1000));
+    }
+    exitCode = o.ExitCode;
+    return o.Out + o.Err;
+}

@@ -1,0 +1,53 @@
+#include "documents/WaitingTransport.h"
+
+#include "documents/HostCallWaiter.h"
+
+HostTransport::FileInfo WaitingTransport::Stat(const QString& path) {
+    FileInfo info;
+    HostCallWaiter::Run([&] { info = inner_->Stat(path); });
+    return info;
+}
+
+std::vector<HostTransport::Entry> WaitingTransport::List(const QString& folder) {
+    std::vector<Entry> entries;
+    HostCallWaiter::Run([&] { entries = inner_->List(folder); });
+    return entries;
+}
+
+QByteArray WaitingTransport::ReadFile(const QString& path) {
+    QByteArray bytes;
+    HostCallWaiter::Run([&] { bytes = inner_->ReadFile(path); });
+    return bytes;
+}
+
+void WaitingTransport::WriteFile(const QString& path, const QByteArray& bytes) {
+    HostCallWaiter::Run([&] { inner_->WriteFile(path, bytes); });
+}
+
+bool WaitingTransport::CreateExclusive(const QString& path, const QByteArray& bytes) {
+    bool created = false;
+    HostCallWaiter::Run([&] { created = inner_->CreateExclusive(path, bytes); });
+    return created;
+}
+
+bool WaitingTransport::Rename(const QString& from, const QString& to) {
+    bool renamed = false;
+    HostCallWaiter::Run([&] { renamed = inner_->Rename(from, to); });
+    return renamed;
+}
+
+void WaitingTransport::Remove(const QString& path) {
+    HostCallWaiter::Run([&] { inner_->Remove(path); });
+}
+
+void WaitingTransport::MakeFolder(const QString& path) {
+    HostCallWaiter::Run([&] { inner_->MakeFolder(path); });
+}
+
+QByteArray WaitingTransport::Run(const QStringList& command, const QString& workingFolder,
+                                 int& exitCode) {
+    QByteArray output;
+    inner_->SetCommandTimeout(CommandTimeout());
+    HostCallWaiter::Run([&] { output = inner_->Run(command, workingFolder, exitCode); });
+    return output;
+}

@@ -1,0 +1,69 @@
+#include "TestEnv.h"
+
+#include "documents/ConnectionErrors.h"
+#include "documents/HostCallWaiter.h"
+
+#include <QMessageBox>
+#include <QThread>
+#include <QTimer>
+#include <atomic>
+
+// Host calls run off the interface thread; that thread keeps running timers meanwhile and
+// shows the pending message once the call takes long.
+class tst_HostCallWaiter : public QObject {
+    Q_OBJECT
+
+    static QMessageBox* visibleBusyBox() {
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+            auto* box = qobject_cast<QMessageBox*>(w);
+            if (box && box->isVisible() && box->windowTitle() == QLatin1String("Busy"))
+                return box;
+        }
+        return nullptr;
+    }
+
+private slots:
+    void cleanup() { HostCallWaiter::SetPendingDelay(30000); }
+
+    void callRunsOffTheInterfaceThreadAndItsErrorComesBack() {
+        QThread* ranOn = nullptr;
+        HostCallWaiter::Run([&] { ranOn = QThread::currentThread(); });
+        QVERIFY(ranOn && ranOn != QThread::currentThread());
+        try {
+            HostCallWaiter::Run(
+                [] { throw BrixError(ConnectionErrors::ReadFailed, QStringLiteral("gone")); });
+            QFAIL("the error was lost");
+        } catch (const BrixError& e) {
+            QCOMPARE(e.Number, ConnectionErrors::ReadFailed);
+            QCOMPARE(e.Description, QStringLiteral("gone"));
+        }
+        QVERIFY(!visibleBusyBox());
+    }
+
+    // The call ends only when the interface thread has seen the message: it must have
+    // kept running its timers while waiting.
+    void pendingMessageShowsWhileTheCallWaits() {
+        HostCallWaiter::SetPendingDelay(0);
+        std::atomic<bool> seen{false};
+        QString text;
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, this, [&] {
+            if (QMessageBox* box = visibleBusyBox()) {
+                text = box->text();
+                seen = true;
+            }
+        });
+        watch.start(10);
+        HostCallWaiter::Run([&] {
+            while (!seen)
+                QThread::msleep(5);
+        });
+        QCOMPARE(text, QStringLiteral("A request to the MultiValue database server is pending. "
+                                      "Please wait."));
+        QCoreApplication::processEvents();
+        QVERIFY(!visibleBusyBox());
+    }
+};
+
+BRIX_TEST_MAIN(tst_HostCallWaiter)
+#include "tst_HostCallWaiter.moc"

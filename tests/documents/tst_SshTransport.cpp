@@ -1,0 +1,175 @@
+#include "SshServerFixture.h"
+#include "TestEnv.h"
+
+#include "documents/ConnectionErrors.h"
+#include "documents/HostResource.h"
+#include "documents/ItemLock.h"
+#include "documents/SshTransport.h"
+#include "documents/mvHost.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <sys/stat.h>
+
+// The ssh transport against a real sshd on this machine: what it writes over the
+// connection is checked on the disk directly.
+class tst_SshTransport : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<SshServerFixture> server_;
+    std::unique_ptr<QTemporaryDir> dir_;
+    std::shared_ptr<SshTransport> ssh_;
+
+    QString path(const QString& name) const { return dir_->path() + QLatin1Char('/') + name; }
+    static QByteArray disk(const QString& file) {
+        QFile f(file);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+    }
+
+private slots:
+    void initTestCase() {
+        server_ = std::make_unique<SshServerFixture>();
+        if (!server_->Started())
+            QSKIP(qPrintable(server_->Error()));
+        ssh_ = std::make_shared<SshTransport>(server_->Target());
+        // Calls share one connection: its socket is there after the first.
+        ssh_->Stat(QStringLiteral("/"));
+        const QFileInfo socket(ssh_->ControlPath());
+        QVERIFY2(!QDir(socket.path()).entryList({QStringLiteral("brix-*")}, QDir::System).isEmpty(),
+                 qPrintable(socket.path()));
+    }
+    void init() { dir_ = std::make_unique<QTemporaryDir>(); }
+    void cleanupTestCase() { server_.reset(); }
+
+    // Names a shell would take apart, expand or run reach the host as they are.
+    void namesReachTheHostUnharmed_data() {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("blanks") << QStringLiteral("TWO  WORDS ");
+        QTest::newRow("quotes") << QStringLiteral("it's \"q\"");
+        QTest::newRow("dollar") << QStringLiteral("$HOME${PATH}$(touch RAN)");
+        QTest::newRow("semicolon") << QStringLiteral("A;touch RAN;B");
+        QTest::newRow("backquote") << QStringLiteral("`touch RAN`");
+        QTest::newRow("dash and glob") << QStringLiteral("-rf *");
+        QTest::newRow("backslash newline") << QStringLiteral("a\\\nb");
+        QTest::newRow("latin") << QStringLiteral("ÆBLE");
+    }
+    void namesReachTheHostUnharmed() {
+        QFETCH(QString, name);
+        const QByteArray bytes("A\xfe"
+                               "B\xfd"
+                               "C\xfc\r\n\0end",
+                               13);
+        ssh_->WriteFile(path(name), bytes);
+        QCOMPARE(disk(path(name)), bytes);
+        QCOMPARE(ssh_->ReadFile(path(name)), bytes);
+        const auto info = ssh_->Stat(path(name));
+        QVERIFY(info.Exists && info.IsFile);
+        QCOMPARE(info.Size, qint64(bytes.size()));
+        const auto entries = ssh_->List(dir_->path());
+        QCOMPARE(entries.size(), size_t(1));
+        QCOMPARE(entries.front().Name, name);
+        int exitCode = -1;
+        const QByteArray echoed = ssh_->Run({QStringLiteral("printf"), QStringLiteral("%s"), name},
+                                            dir_->path(), exitCode);
+        QCOMPARE(exitCode, 0);
+        QCOMPARE(QString::fromUtf8(echoed), name);
+        QVERIFY(ssh_->Rename(path(name), path(name + QStringLiteral(".2"))));
+        QVERIFY(!ssh_->Rename(path(name), path(name + QStringLiteral(".3"))));
+        ssh_->Remove(path(name + QStringLiteral(".2")));
+        QVERIFY(!QFile::exists(path(QStringLiteral("RAN"))));
+        QVERIFY(QDir(dir_->path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    }
+
+    void writeKeepsModeAndCreateIsExclusive() {
+        const QString file = path(QStringLiteral("X"));
+        ssh_->WriteFile(file, "old");
+        QVERIFY(::chmod(QFile::encodeName(file).constData(), 0640) == 0);
+        ssh_->WriteFile(file, "new");
+        struct stat st {};
+        QVERIFY(::stat(QFile::encodeName(file).constData(), &st) == 0);
+        QCOMPARE(st.st_mode & 07777, 0640u);
+        QCOMPARE(ssh_->Stat(file).Mode, 0640u);
+        QVERIFY(!ssh_->Stat(path(QStringLiteral("none"))).Exists);
+        QVERIFY(ssh_->Stat(dir_->path()).IsFolder);
+        ssh_->MakeFolder(path(QStringLiteral("a/b")));
+        QVERIFY(QFileInfo(path(QStringLiteral("a/b"))).isDir());
+        QVERIFY(ssh_->CreateExclusive(path(QStringLiteral("L")), "first"));
+        QVERIFY(!ssh_->CreateExclusive(path(QStringLiteral("L")), "second"));
+        QCOMPARE(disk(path(QStringLiteral("L"))), QByteArray("first"));
+        int exitCode = 0;
+        ssh_->Run({QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("exit 7")}, {},
+                  exitCode);
+        QCOMPARE(exitCode, 7);
+        try {
+            ssh_->ReadFile(path(QStringLiteral("none")));
+            QFAIL("a missing file was read");
+        } catch (const BrixError& e) {
+            QCOMPARE(e.Number, ConnectionErrors::ReadFailed);
+            QVERIFY2(e.Description.contains(QLatin1String("No such file")),
+                     qPrintable(e.Description));
+        }
+    }
+
+    // Items over ssh: marks as stored, and the editor lock seen by another client.
+    void itemsAndLocks() {
+        QVERIFY(QDir().mkpath(path(QStringLiteral("ACC/BP"))));
+        auto profile = std::make_shared<HostProfile>();
+        profile->Name = QStringLiteral("remote");
+        profile->Transport = QStringLiteral("ssh");
+        profile->AccountsFolder = dir_->path();
+        auto host = std::make_shared<mvHost>(profile, ssh_, QStringLiteral("ACC"));
+        HostResource item(host, QStringLiteral("remote"), QStringLiteral("ACC"),
+                          QStringLiteral("BP"), QStringLiteral("MAIN"));
+        item.WriteText(QStringLiteral("A") + QChar(0xF8FE) + QStringLiteral("B") + QChar(0xF8FD) +
+                       QStringLiteral("C"));
+        QCOMPARE(disk(path(QStringLiteral("ACC/BP/MAIN"))), QByteArray("A\xfe"
+                                                                       "B\xfd"
+                                                                       "C"));
+        item.SetLocked(true);
+        QVERIFY(item.Locked());
+        // Another machine's lock is not stale: it is refused and named.
+        ItemLock::Holder other = ItemLock::Holder::Self();
+        other.Machine = QStringLiteral("elsewhere");
+        const QString entry = ItemLock::EntryName(QStringLiteral("BP"), QStringLiteral("OTHER"));
+        const QString folder = path(QStringLiteral("ACC/") + profile->LockFolder);
+        QVERIFY(ssh_->CreateExclusive(folder + QLatin1Char('/') + entry, other.ToBytes()));
+        HostResource second(host, QStringLiteral("remote"), QStringLiteral("ACC"),
+                            QStringLiteral("BP"), QStringLiteral("OTHER"));
+        try {
+            second.SetLocked(true);
+            QFAIL("a lock held elsewhere was taken");
+        } catch (const BrixError& e) {
+            QCOMPARE(e.Number, BrixErrors::LockedByOther);
+            QVERIFY(e.Description.contains(QLatin1String("elsewhere")));
+        }
+        item.SetLocked(false);
+    }
+
+    void unknownHostKeyIsRefused() {
+        SshTransport stranger(server_->Target(false));
+        try {
+            stranger.Stat(QStringLiteral("/"));
+            QFAIL("an unknown host key was accepted");
+        } catch (const BrixError& e) {
+            QVERIFY2(e.Description.contains(QLatin1String("host key")), qPrintable(e.Description));
+            QVERIFY(e.Description.contains(QStringLiteral("ssh -p %1").arg(server_->Port())));
+        }
+    }
+
+    // Last: the server goes away; a save fails with a message and leaves the old item.
+    void droppedConnectionLosesNothing() {
+        const QString file = path(QStringLiteral("KEEP"));
+        ssh_->WriteFile(file, "old");
+        server_->Kill();
+        try {
+            ssh_->WriteFile(file, "new");
+            QFAIL("a write without a connection succeeded");
+        } catch (const BrixError& e) {
+            QCOMPARE(e.Number, ConnectionErrors::WriteFailed);
+        }
+        QCOMPARE(disk(file), QByteArray("old"));
+    }
+};
+
+BRIX_TEST_MAIN(tst_SshTransport)
+#include "tst_SshTransport.moc"
