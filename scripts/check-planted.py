@@ -2,9 +2,9 @@
 # Plants one fault at a time in the corpus programs (a closing END, NEXT, REPEAT or END CASE
 # line deleted, a GOSUB/GOTO target renamed, a label defined again) and counts how many
 # brix-check reports; the label faults must be reported at their line.
-# Usage: check-planted.py BRIX_CHECK [SEED] [COUNT]
+# Usage: check-planted.py BRIX_CHECK [RUN] [COUNT]
 import os, random, re, subprocess, sys, tempfile
-random.seed(int(sys.argv[2]) if len(sys.argv) > 2 else 1)
+rng = random.Random(int(sys.argv[2]) if len(sys.argv) > 2 else 1)
 exe = sys.argv[1]
 files = []
 for d in ('scarletdme', 'tcl-utilities'):
@@ -24,22 +24,22 @@ def run(lines):
 misses = []
 total = int(sys.argv[3]) if len(sys.argv) > 3 else 600
 while sum(v[0] for v in kinds.values()) < total:
-    f = random.choice(files)
+    f = rng.choice(files)
     lines = open(f, 'rb').read().split(b'\n')
-    kind = random.choice(list(kinds))
+    kind = rng.choice(list(kinds))
     if kind == 'closer':
         code = [k for k, l in enumerate(lines) if l.strip() and not l.lstrip().startswith((b'*', b'!'))]
         lastcode = code[-1] if code else -1
         cand = [i for i, l in enumerate(lines) if closer.match(l) and i != lastcode]
         if not cand: continue
-        i = random.choice(cand)
+        i = rng.choice(cand)
         new = lines[:i] + lines[i+1:]
         out = run(new)
         ok = len(out) > 0
     elif kind == 'rename':
         cand = [i for i, l in enumerate(lines) if gosub.search(l) and not l.lstrip().startswith((b'*', b'!'))]
         if not cand: continue
-        i = random.choice(cand)
+        i = rng.choice(cand)
         m = gosub.search(lines[i])
         new = list(lines)
         suffix = b'.77' if m.group(2)[:1].isdigit() else b'ZZQ'
@@ -49,8 +49,8 @@ while sum(v[0] for v in kinds.values()) < total:
     else:
         cand = [i for i, l in enumerate(lines) if label.match(l)]
         if not cand: continue
-        i = random.choice(cand)
-        j = random.randrange(len(lines) + 1)
+        i = rng.choice(cand)
+        j = rng.randrange(len(lines) + 1)
         lab = label.match(lines[i]).group(1)
         new = lines[:j] + [lab] + lines[j:]
         orig = i + 1 if i >= j else i

@@ -111,8 +111,8 @@ private Q_SLOTS:
     void randomBytesComeBack() {
         QFETCH(QString, form);
         const Place at = place(form, QStringLiteral("RANDOM"));
-        for (quint32 seed = 1; seed <= 3; ++seed) {
-            QRandomGenerator random(seed);
+        for (quint32 round = 1; round <= 3; ++round) {
+            QRandomGenerator random(round);
             QByteArray bytes(20000, Qt::Uninitialized);
             for (char& c : bytes)
                 c = char(random.bounded(256));
@@ -209,8 +209,8 @@ private Q_SLOTS:
         const QString copy = ConnectionProfiles::DemoAccountFolder();
         QVERIFY(!shipped.isEmpty());
         QVERIFY(ConnectionProfiles::EnsureDemoAccount());
-        QVERIFY(copy.startsWith(
-            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)));
+        QVERIFY(
+            copy.startsWith(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)));
         const QByteArray hello = read(shipped + QStringLiteral("/BP/HELLO"));
         QCOMPARE(read(copy + QStringLiteral("/BP/HELLO")), hello);
         QVERIFY(QFileInfo(copy + QStringLiteral("/CUSTOMERS/DATA.30")).exists());

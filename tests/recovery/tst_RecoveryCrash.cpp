@@ -175,10 +175,11 @@ class tst_RecoveryCrash : public QObject {
     // What the child said so far.
     QByteArray said;
 
-    void startChild(QProcess& child, quint32 seed) {
+    void startChild(QProcess& child, quint32 pattern) {
         said.clear();
         child.setProgram(QCoreApplication::applicationFilePath());
-        child.setArguments({QStringLiteral("--crash-child"), files.path(), QString::number(seed)});
+        child.setArguments(
+            {QStringLiteral("--crash-child"), files.path(), QString::number(pattern)});
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         child.start();
         QVERIFY(child.waitForStarted());
@@ -214,19 +215,19 @@ private slots:
     // Killed outright: every document changed by the last finished pass comes back as it
     // stood at that pass or later, and nothing comes back half written.
     void killedAtRandom_data() {
-        QTest::addColumn<quint32>("seed");
+        QTest::addColumn<quint32>("pattern");
         QTest::addColumn<int>("waitMs");
         for (int round = 0; round < 4; ++round) {
-            const quint32 seed = QRandomGenerator::global()->generate();
+            const quint32 pattern = QRandomGenerator::global()->generate();
             const int waitMs = static_cast<int>(QRandomGenerator::global()->bounded(50, 900));
-            QTest::addRow("seed %u after %d ms", seed, waitMs) << seed << waitMs;
+            QTest::addRow("edits %u after %d ms", pattern, waitMs) << pattern << waitMs;
         }
     }
     void killedAtRandom() {
-        QFETCH(quint32, seed);
+        QFETCH(quint32, pattern);
         QFETCH(int, waitMs);
         QProcess child;
-        startChild(child, seed);
+        startChild(child, pattern);
         QTest::qWait(waitMs);
         ::kill(static_cast<pid_t>(child.processId()), SIGKILL);
         QVERIFY(child.waitForFinished(30000));
