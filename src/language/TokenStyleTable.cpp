@@ -84,18 +84,20 @@ void TokenStyleTable::ApplyTo(SourceView& view, const QFont& font, int32_t backC
     lexer.setPaper(paper, -1);
     for (const Entry& entry : entries_) {
         const int style = ScintillaBuffer::StyleOfKind(entry.Kind);
-        lexer.setColor(modColors::ToQColor(entry.Color), style);
+        lexer.setColor(modColors::ReadableOn(modColors::ToQColor(entry.Color), paper), style);
         lexer.setFont(StyledFont(font, entry.Style), style);
     }
-    lexer.setDefaultColor(modColors::ToQColor(Get(TokenKind::Plain).Color));
+    const QColor plain =
+        modColors::ReadableOn(modColors::ToQColor(Get(TokenKind::Plain).Color), paper);
+    lexer.setDefaultColor(plain);
     // The area behind the last line and right of line ends has the default style, which
     // the lexer's signals don't reach.
     view.SendScintilla(QsciScintillaBase::SCI_STYLESETBACK, QsciScintillaBase::STYLE_DEFAULT,
                        paper);
     view.SendScintilla(QsciScintillaBase::SCI_STYLESETFORE, QsciScintillaBase::STYLE_DEFAULT,
-                       modColors::ToQColor(Get(TokenKind::Plain).Color));
+                       plain);
     // A caret in the text's colour stays visible on any paper.
-    view.setCaretForegroundColor(modColors::ToQColor(Get(TokenKind::Plain).Color));
+    view.setCaretForegroundColor(plain);
     view.TintBookmarks(paper);
     view.Buffer().InvalidateStyles(0);
 }

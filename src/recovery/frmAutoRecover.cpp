@@ -14,7 +14,11 @@
 #include <QLocale>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -133,6 +137,18 @@ void frmAutoRecover::fill() {
         row->setToolTip(row->text());
         lstDocuments_->addItem(row);
     }
+    fitListToRows();
+}
+
+void frmAutoRecover::fitListToRows() {
+    // Wide enough for the rows, up to most of the screen; the scroll bar takes the rest.
+    const int widest = lstDocuments_->sizeHintForColumn(0);
+    const QScreen* screen = this->screen();
+    const int limit = screen ? screen->availableGeometry().width() * 3 / 4 : 900;
+    const int wanted = widest + 2 * lstDocuments_->frameWidth() +
+                       lstDocuments_->verticalScrollBar()->sizeHint().width();
+    lstDocuments_->setMinimumWidth(std::clamp(wanted, 420, std::max(420, limit)));
+    adjustSize();
 }
 
 void frmAutoRecover::setAllChecked(bool checked) {

@@ -37,6 +37,7 @@ public:
 
 private:
     void fill();
+    void fitListToRows();
     void setAllChecked(bool checked);
     void askDelete();
     void recover();

@@ -9,6 +9,9 @@
 #include "language/clsKeywords.h"
 #include "settings/Moriox.h"
 
+#include <QFontMetrics>
+#include <QScrollBar>
+
 namespace {
 
 const QString kMadeUpWord = QStringLiteral("LOGMSG");
@@ -61,4 +64,7 @@ void HighlightPreview::ShowSettings(const Moriox& settings) {
     TokenStyleTable::ForScreen(settings).ApplyTo(*this, font, settings.BackColor);
     SetTabSize(settings.TabSize);
     SetMargin(settings.Margin);
+    // Wide enough for the sample's longest line in the chosen font, and no wider.
+    const int sampleWidth = QFontMetrics(font).horizontalAdvance(QString(46, QLatin1Char('M')));
+    setMinimumWidth(sampleWidth + verticalScrollBar()->sizeHint().width() + 2 * frameWidth());
 }

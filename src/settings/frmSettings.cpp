@@ -217,7 +217,6 @@ QWidget* frmSettings::buildHighlight() {
     grid->setRowStretch(SettingsCopy::RowCount + 1, 1);
 
     preview_ = new HighlightPreview(page);
-    preview_->setMinimumWidth(preview_->fontMetrics().horizontalAdvance(QLatin1Char('M')) * 44);
     auto* layout = new QHBoxLayout(page);
     layout->addLayout(grid);
     layout->addWidget(preview_, 1);

@@ -2,6 +2,9 @@
 
 #include <QGuiApplication>
 #include <QPalette>
+
+#include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <vector>
 
@@ -172,6 +175,32 @@ int32_t ResolveColor(int32_t value) {
 QColor ToQColor(int32_t value) {
     const int32_t rgb = ResolveColor(value);
     return QColor(rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF);
+}
+
+namespace {
+
+double luminance(const QColor& c) {
+    const auto channel = [](double v) {
+        return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
+}
+
+double contrast(const QColor& a, const QColor& b) {
+    const double la = luminance(a), lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+} // namespace
+
+QColor ReadableOn(const QColor& text, const QColor& paper) {
+    // 3:1 is where coloured words on a dark ground stop being easy to read.
+    if (luminance(paper) >= 0.2 || contrast(text, paper) >= 3.0)
+        return text;
+    const QColor hsl = text.toHsl();
+    const QColor mirrored = QColor::fromHslF(hsl.hslHueF(), hsl.hslSaturationF(),
+                                             std::max(1.0 - hsl.lightnessF(), 0.65));
+    return mirrored.toRgb();
 }
 
 int32_t FromQColor(const QColor& color) {

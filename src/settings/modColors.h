@@ -29,6 +29,11 @@ QColor ToQColor(int32_t value);
 // The stored form of a plain colour.
 int32_t FromQColor(const QColor& color);
 
+// The text colour as drawn on this paper: a fixed colour that a dark desktop palette has
+// made unreadable (dark blue on dark grey) gets its lightness mirrored, keeping its hue.
+// Light paper, or enough contrast already, leaves it as it is.
+QColor ReadableOn(const QColor& text, const QColor& paper);
+
 // The tooltip text of a colour: its name and kind, and its red, green and blue parts.
 QString DescribeColor(int32_t value);
 

@@ -84,6 +84,31 @@ private Q_SLOTS:
         QCOMPARE(modColors::ToQColor(value), QColor(color.red(), color.green(), color.blue()));
         QCOMPARE(modColors::ResolveColor(value), modColors::FromQColor(color));
     }
+
+    void readableOn_data() {
+        QTest::addColumn<QColor>("text");
+        QTest::addColumn<QColor>("paper");
+        QTest::addColumn<bool>("kept");
+        const QColor darkGrey(0x30, 0x30, 0x30);
+        QTest::newRow("dark blue on white") << QColor(0, 0, 128) << QColor(Qt::white) << true;
+        QTest::newRow("dark blue on dark grey") << QColor(0, 0, 128) << darkGrey << false;
+        QTest::newRow("purple on black") << QColor(128, 0, 128) << QColor(Qt::black) << false;
+        QTest::newRow("white on dark grey") << QColor(Qt::white) << darkGrey << true;
+        QTest::newRow("yellow on dark grey") << QColor(Qt::yellow) << darkGrey << true;
+        QTest::newRow("black on black") << QColor(Qt::black) << QColor(Qt::black) << false;
+    }
+    void readableOn() {
+        QFETCH(QColor, text);
+        QFETCH(QColor, paper);
+        QFETCH(bool, kept);
+        const QColor drawn = modColors::ReadableOn(text, paper);
+        QCOMPARE(drawn == text, kept);
+        if (!kept) {
+            QVERIFY(drawn.lightnessF() > text.lightnessF());
+            if (text.hslSaturation() > 0)
+                QCOMPARE(drawn.hslHue(), text.hslHue());
+        }
+    }
 };
 
 BRIX_TEST_MAIN(tst_modColors)
