@@ -1,5 +1,8 @@
 #include "DocumentSession.h"
 
+#include "documents/mvDocument.h"
+#include "language/LexClass.h"
+#include "language/ScintillaBuffer.h"
 #include "recovery/modAutoRecover.h"
 #include "shell/frmMain.h"
 #include "support/MsgBoxEx.h"
@@ -29,4 +32,18 @@ void DocumentSession::EndTest(bool strict) {
     QVERIFY(!strict || !unexpected);
     Answers.reset();
     Account.reset();
+}
+
+std::shared_ptr<mvDocument> DocumentSession::LabelledDocument(const QString& text) {
+    auto document = mvDocument::Create();
+    document->FileNew();
+    document->Buffer()->SetAllText(text);
+    ScintillaBuffer& buffer = *document->Buffer();
+    for (int32_t line = 0; line < buffer.NumLines(); ++line) {
+        const QString first = buffer.GetLine(line).section(QLatin1Char(' '), 0, 0);
+        const bool label =
+            first.endsWith(QLatin1Char(':')) || (!first.isEmpty() && first.at(0).isDigit());
+        buffer.SetLineData(line, 1, label ? LexClass::FlagLabel : 0);
+    }
+    return document;
 }

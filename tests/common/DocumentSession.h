@@ -7,6 +7,8 @@
 #include <memory>
 
 class frmMain;
+class mvDocument;
+class QString;
 
 // What the tests of opening and saving share: the frame for the whole test case, and for
 // each test a fresh demo account and a box answerer, so that no box waits for a person.
@@ -23,4 +25,8 @@ public:
     // Closes what the test left open and checks that nothing is left over: documents,
     // suspended auto-recovery, a box on screen, and with `strict` a box nobody expected.
     void EndTest(bool strict);
+
+    // A new document holding `text`, its label lines ("NAME:" or a number first) flagged as
+    // the lexer would, without waiting for a colouring pass.
+    static std::shared_ptr<mvDocument> LabelledDocument(const QString& text);
 };

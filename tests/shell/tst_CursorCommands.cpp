@@ -26,18 +26,7 @@ class tst_CursorCommands : public QObject {
 
     static frmGoto& dialog() { return frmGoto::Instance(); }
     static std::shared_ptr<mvDocument> open(const QString& text) {
-        auto document = mvDocument::Create();
-        document->FileNew();
-        document->Buffer()->SetAllText(text);
-        // The label lines carry the flag the document's label list is built from.
-        ScintillaBuffer& buffer = *document->Buffer();
-        for (int32_t line = 0; line < buffer.NumLines(); ++line) {
-            const QString first = buffer.GetLine(line).section(QLatin1Char(' '), 0, 0);
-            const bool label =
-                first.endsWith(QLatin1Char(':')) || (!first.isEmpty() && first.at(0).isDigit());
-            buffer.SetLineData(line, 1, label ? LexClass::FlagLabel : 0);
-        }
-        return document;
+        return DocumentSession::LabelledDocument(text);
     }
 
 private Q_SLOTS:
