@@ -56,7 +56,7 @@ public:
     QPointer<frmMain> MainWindow;
     // The main window as the subsystems below the shell see it; null without a frame.
     IFrame* Frame() const;
-    QPointer<QWidget> ResultsWindow, GotoWindow, FindWindow, PropertiesWindow, KeywordsWindow;
+    QPointer<QWidget> ResultsWindow, GotoWindow, FindWindow, PropertiesWindow;
 
     bool ShutdownStarted = false;
 

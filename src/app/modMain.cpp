@@ -176,7 +176,6 @@ void Shutdown() {
     unloadSlot(state.GotoWindow);
     unloadSlot(state.FindWindow);
     unloadSlot(state.PropertiesWindow);
-    unloadSlot(state.KeywordsWindow);
 
     state.Documents.reset();
     state.ExtendedTools.reset();
