@@ -10,6 +10,8 @@
 #include "settings/SettingsStore.h"
 #include "support/BrixError.h"
 
+#include "support/HelpFile.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <algorithm>
@@ -95,7 +97,9 @@ int main(int argc, char** argv) {
         "NEXT naming another variable than its FOR. One line per finding: \"N: message\",\n"
         "N the line; with several files each line starts with the file's name.\n"
         "Exit status: 0 nothing found, 1 something reported, 2 a file couldn't be read or\n"
-        "the options were wrong."));
+        "the options were wrong.\n"
+        "The manual: ") +
+        HelpFile::Locate(HelpFile::ProgramFolder(), QStringLiteral("brix-check.html")));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("FILE"),

@@ -9,6 +9,8 @@
 #include "settings/SettingsStore.h"
 #include "support/BrixError.h"
 
+#include "support/HelpFile.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -125,7 +127,9 @@ int main(int argc, char** argv) {
         "Only spaces change: at the start and end of lines and behind labels. Without -i or\n"
         "--check the formatted text goes to the standard output.\n"
         "Exit status: 0 done (or nothing to change), 1 --check found a file to change,\n"
-        "2 a file couldn't be read or written, or the options were wrong."));
+        "2 a file couldn't be read or written, or the options were wrong.\n"
+        "The manual: ") +
+        HelpFile::Locate(HelpFile::ProgramFolder(), QStringLiteral("brix-format.html")));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("FILE"),
