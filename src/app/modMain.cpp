@@ -6,8 +6,8 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
-#include "recovery/modAutoRecover.h"
 #include "editing/frmGoto.h"
+#include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "shell/CommandDispatcher.h"
 #include "shell/ToolIcon.h"
@@ -208,8 +208,8 @@ int RunBrix(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) {
             std::fputs(kUsage, stdout);
-            const QString manual =
-                HelpFile::Locate(HelpFile::ProgramFolder(), QString::fromLatin1(HelpFile::StartPage));
+            const QString manual = HelpFile::Locate(HelpFile::ProgramFolder(),
+                                                    QString::fromLatin1(HelpFile::StartPage));
             std::printf("\nThe manual: %s (also Help > Topics, F1)\n", qPrintable(manual));
             return 0;
         }

@@ -23,7 +23,8 @@ LockKeyPanels::LockKeyPanels(QLabel* capsPanel, QLabel* numPanel, QObject* paren
     for (QLabel* panel : {capsPanel, numPanel})
         if (panel) {
             panel->setAlignment(Qt::AlignCenter);
-            panel->setMinimumWidth(panel->fontMetrics().horizontalAdvance(QStringLiteral("CAPS")) + 8);
+            panel->setMinimumWidth(panel->fontMetrics().horizontalAdvance(QStringLiteral("CAPS")) +
+                                   8);
         }
     timer_->setInterval(1000);
     connect(timer_, &QTimer::timeout, this, &LockKeyPanels::Refresh);
