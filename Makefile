@@ -3,7 +3,7 @@ BUILD_RELEASE := build/release
 BUILD_TEST    := build/test
 JOBS          ?= $(shell nproc)
 
-.PHONY: all deps build run run-qm test bench format clean
+.PHONY: all deps build run run-qm test bench format clean package package-check
 
 all: build
 
@@ -29,6 +29,20 @@ $(BUILD_TEST)/build.ninja:
 test: deps $(BUILD_TEST)/build.ninja
 	cmake --build $(BUILD_TEST) -j $(JOBS)
 	scripts/run-tests.sh $(BUILD_TEST)
+
+# A Debian package, built for the prefix /usr in a folder of its own.
+BUILD_PACKAGE := build/package
+$(BUILD_PACKAGE)/build.ninja:
+	cmake -S . -B $(BUILD_PACKAGE) -G Ninja -DCMAKE_BUILD_TYPE=Release -DBRIX_TESTS=OFF \
+	  -DCMAKE_INSTALL_PREFIX=/usr
+
+package: deps $(BUILD_PACKAGE)/build.ninja
+	cmake --build $(BUILD_PACKAGE) -j $(JOBS)
+	cd $(BUILD_PACKAGE) && cpack -G DEB
+
+# lintian on the package: errors fail, warnings are shown.
+package-check: package
+	lintian --fail-on error --info $(BUILD_PACKAGE)/brix_*.deb
 
 bench: build
 	scripts/run-bench.sh $(BUILD_RELEASE)

@@ -4,7 +4,9 @@ set -euo pipefail
 PACKAGES=(cmake ninja-build g++ pkg-config make qt6-base-dev qt6-base-dev-tools
   libqscintilla2-qt6-dev libgl-dev fonts-liberation dbus openssh-server openssh-client
   python3-dbus python3-gi xvfb libbenchmark-dev clang-format poppler-utils
-  gcc libcrypt-dev patch git util-linux)
+  gcc libcrypt-dev patch git util-linux
+  libx11-dev libqt6svg6 qt6-qpa-plugins librsvg2-bin shared-mime-info desktop-file-utils
+  libxml2-utils dpkg-dev file lintian groff-base adwaita-icon-theme)
 missing=()
 for p in "${PACKAGES[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then

@@ -6,13 +6,15 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
-#include "recovery/modAutoRecover.h"
 #include "editing/frmGoto.h"
+#include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "shell/CommandDispatcher.h"
+#include "shell/ToolIcon.h"
 #include "shell/frmMain.h"
 #include "support/BrixError.h"
 #include "support/EditorFont.h"
+#include "support/HelpFile.h"
 #include "support/ShowError.h"
 #include "support/UnixSignalWatcher.h"
 
@@ -84,9 +86,9 @@ const char* const kUsage =
 bool Main(QApplication& app) {
     ProcessState& state = ProcessState::Instance();
     try {
-        // Help: the start page of the manual beside the executable.
-        state.HelpFilePath =
-            QCoreApplication::applicationDirPath() + QStringLiteral("/brix-help.html");
+        // Only composed here: a manual that isn't there fails nothing until F1.
+        state.HelpFilePath = HelpFile::Locate(QCoreApplication::applicationDirPath(),
+                                              QString::fromLatin1(HelpFile::StartPage));
         mvConnection::Instance().Initialize(1);
         state.ComputeMarkStrings();
 
@@ -205,6 +207,9 @@ int RunBrix(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) {
             std::fputs(kUsage, stdout);
+            const QString manual = HelpFile::Locate(HelpFile::ProgramFolder(),
+                                                    QString::fromLatin1(HelpFile::StartPage));
+            std::printf("\nThe manual: %s (also Help > Topics, F1)\n", qPrintable(manual));
             return 0;
         }
         if (std::strcmp(argv[i], "--version") == 0) {
@@ -216,6 +221,8 @@ int RunBrix(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Brix"));
     QApplication::setOrganizationName(QStringLiteral("Tolvek"));
     QApplication::setApplicationVersion(QStringLiteral(BRIX_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.tolvek.Brix"));
+    QApplication::setWindowIcon(ToolIcon::Application());
     QApplication::setQuitOnLastWindowClosed(false);
 
     ProcessState& state = ProcessState::Instance();

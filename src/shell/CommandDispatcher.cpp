@@ -14,6 +14,7 @@
 #include "shell/SettingsCommand.h"
 #include "shell/frmAbout.h"
 #include "shell/frmMain.h"
+#include "support/HelpFile.h"
 #include "support/ShowError.h"
 
 #include <QApplication>
@@ -70,7 +71,7 @@ const CommandDispatcher::Entry CommandDispatcher::Table[] = {
     {"TileVertical", &CommandDispatcher::tileVertical},
     {"Cascade", &CommandDispatcher::cascade},
     {"Maximize", &CommandDispatcher::maximize},
-    {"HelpTopics", nullptr},
+    {"HelpTopics", &CommandDispatcher::helpTopics},
     {"HelpAbout", &CommandDispatcher::about},
     {"tab_activate", &CommandDispatcher::tabActivate},
     {"tab_close", &CommandDispatcher::tabClose},
@@ -265,6 +266,12 @@ void CommandDispatcher::maximize(bool) {
         else
             child->showMaximized();
     }
+}
+
+void CommandDispatcher::helpTopics(bool) {
+    // A manual that can't be shown says nothing.
+    if (HelpFile::Open(ProcessState::Instance().HelpFilePath))
+        frame_.HelpOpen = true;
 }
 
 void CommandDispatcher::about(bool) {

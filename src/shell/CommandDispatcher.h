@@ -80,6 +80,7 @@ private:
     void optGeneral(bool);
     void optHighlight(bool);
     void optTools(bool);
+    void helpTopics(bool);
     void about(bool);
     void tabActivate(bool);
     void tabClose(bool);

@@ -1,12 +1,11 @@
 #include "shell/CommandTable.h"
 
 #include "shell/CommandBar.h"
+#include "shell/ToolIcon.h"
 
 #include <QIcon>
 #include <QLabel>
 #include <QMenu>
-#include <QPainter>
-#include <QPixmap>
 
 namespace {
 
@@ -93,7 +92,8 @@ constexpr BarTool BarTools[] = {
     {"New", "&New", "Create a new document", false, "document-new"},
     {"Open", "&Open", "Open existing document", false, "document-open"},
     {"Save", "&Save", "Save current document", false, "document-save"},
-    {"SaveAll", "Sa&ve All", "Saves all open documents that have been changed", false, "=S+"},
+    {"SaveAll", "Sa&ve All", "Saves all open documents that have been changed", false,
+     "brix:save-all"},
     {"Print", "&Print", "Print the current document", true, "document-print"},
     {"Undo", "&Undo", "Undo last editing operation", true, "edit-undo"},
     {"Redo", "Redo", "Redo last editing operation", false, "edit-redo"},
@@ -103,14 +103,15 @@ constexpr BarTool BarTools[] = {
     {"Clear", "Clear", "Clear", false, "edit-delete"},
     {"IndentBlock", "&Indent", "Indents currently selected lines", true, "format-indent-more"},
     {"OutdentBlock", "&Outdent", "Outdents currently selected lines", false, "format-indent-less"},
-    {"CommentBlock", "Comment", "Comment selected lines", true, "=*"},
-    {"UncommentBlock", "Uncomment", "Uncomment selected lines", false, "=-*"},
+    {"CommentBlock", "Comment", "Comment selected lines", true, "brix:comment-block"},
+    {"UncommentBlock", "Uncomment", "Uncomment selected lines", false, "brix:uncomment-block"},
     {"Goto", "Goto", "Positions cursor on specified line or label", true, "go-jump"},
     {"Find", "&Fine", "Search for text in document (press F3 to find next)", false, "edit-find"},
-    {"ValueMark", "Value Mark", "Insert value-mark at current position", true, "=]"},
-    {"SubValueMark", "SubValue Mark", "Insert sub-value-mark at current position", false, "=\\"},
+    {"ValueMark", "Value Mark", "Insert value-mark at current position", true, "brix:value-mark"},
+    {"SubValueMark", "SubValue Mark", "Insert sub-value-mark at current position", false,
+     "brix:subvalue-mark"},
     {"ToggleCase", "&Toggle Case", "Toggles case of selected text (upper, lower, mixed)", false,
-     "=Aa"},
+     "brix:toggle-case"},
     {"Highlight", "&Highlight", "Toggles syntax highlighting on or off", true, "format-text-bold"},
     {"Format", "&Format", "Format code", false, "format-justify-left"},
     {"Compile", "&Compile", "Compile code", false, "system-run"},
@@ -157,43 +158,12 @@ constexpr Panel Panels[] = {
     {"Panel1", "Starting up", "Server status"},
     {"Panel2", "Ln 1000, Col 100", "Current insertion point"},
     {"Panel3", "Ovr", "Overwrite / Insert"},
+    {"Panel4", "", ""},
+    {"Panel5", "", ""},
 };
 
 QString text(const char* value) {
     return QString::fromLatin1(value);
-}
-
-// A name starting "=" is drawn here: its text in a small square, for tools that no
-// desktop theme has an icon for.
-QIcon drawnIcon(const QString& label) {
-    QPixmap pixmap(32, 32);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QFont font = painter.font();
-    font.setBold(true);
-    font.setPixelSize(label.size() > 2 ? 15 : 20);
-    painter.setFont(font);
-    painter.setPen(QColor(0x30, 0x30, 0x60));
-    painter.drawText(pixmap.rect(), Qt::AlignCenter, label);
-    painter.end();
-    return QIcon(pixmap);
-}
-
-// The desktop theme's icon, or its symbolic form, which is all some themes ship; without
-// a desktop theme, Adwaita when it is installed.
-QIcon themeIcon(const QString& name) {
-    if (name.isEmpty())
-        return QIcon();
-    if (name.startsWith(QLatin1Char('=')))
-        return drawnIcon(name.mid(1));
-    if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
-        QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
-    for (const QString& candidate :
-         {name, name + QStringLiteral("-symbolic"), name + QStringLiteral("-symbolic.symbolic")})
-        if (QIcon::hasThemeIcon(candidate))
-            return QIcon::fromTheme(candidate);
-    return QIcon();
 }
 
 template <size_t N>
@@ -224,7 +194,7 @@ void CommandTable::Build(CommandBar& bar) {
         CommandTool* tool =
             toolBar->AddTool(text(entry.Key), text(entry.Caption), type, entry.Group);
         tool->SetToolTip(text(entry.ToolTip));
-        const QIcon icon = themeIcon(text(entry.Icon));
+        const QIcon icon = ToolIcon::Find(text(entry.Icon));
         if (!icon.isNull())
             tool->Action()->setIcon(icon);
     }

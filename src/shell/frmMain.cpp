@@ -25,6 +25,7 @@
 #include "shell/CursorCommands.h"
 #include "shell/DocumentTabs.h"
 #include "shell/KeyboardFilter.h"
+#include "shell/LockKeyPanels.h"
 #include "shell/frmProperties.h"
 #include "shell/frmResults.h"
 #include "support/MsgBoxEx.h"
@@ -84,6 +85,9 @@ void frmMain::buildBars() {
     setContextMenuPolicy(Qt::NoContextMenu);
     for (QToolBar* band : {bar_->ToolBarWidget(), tabBand})
         band->setFloatable(false);
+    CommandBand* status = bar_->Band(QStringLiteral("StatusBar"));
+    new LockKeyPanels(status->Panel(QStringLiteral("Panel4")),
+                      status->Panel(QStringLiteral("Panel5")), this);
 }
 
 frmMain::~frmMain() = default;
@@ -566,6 +570,8 @@ void frmMain::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    // The manual stays open in the browser, which is the desktop's and not ours to close.
+    HelpOpen = false;
     event->accept();
     unload();
 }

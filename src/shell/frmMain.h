@@ -104,6 +104,8 @@ public:
     void AutoSaveTimerTick();
     int32_t AutoSaveTicks = 0;
     bool AppActive = false;
+    // The manual has been opened by HelpTopics; cleared when the frame closes.
+    bool HelpOpen = false;
 
     // Unloads the frame as the program, not the user, asks: nothing is asked.
     void UnloadForm();

@@ -10,6 +10,8 @@
 #include "settings/SettingsStore.h"
 #include "support/BrixError.h"
 
+#include "support/HelpFile.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <algorithm>
@@ -89,13 +91,16 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIX_VERSION));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Checks MultiValue BASIC programs for blocks that don't close, closing words with\n"
-        "nothing open, GOSUB and GOTO targets that aren't defined, labels defined twice and\n"
-        "NEXT naming another variable than its FOR. One line per finding: \"N: message\",\n"
-        "N the line; with several files each line starts with the file's name.\n"
-        "Exit status: 0 nothing found, 1 something reported, 2 a file couldn't be read or\n"
-        "the options were wrong."));
+    parser.setApplicationDescription(
+        QStringLiteral(
+            "Checks MultiValue BASIC programs for blocks that don't close, closing words with\n"
+            "nothing open, GOSUB and GOTO targets that aren't defined, labels defined twice and\n"
+            "NEXT naming another variable than its FOR. One line per finding: \"N: message\",\n"
+            "N the line; with several files each line starts with the file's name.\n"
+            "Exit status: 0 nothing found, 1 something reported, 2 a file couldn't be read or\n"
+            "the options were wrong.\n"
+            "The manual: ") +
+        HelpFile::Locate(HelpFile::ProgramFolder(), QStringLiteral("brix-check.html")));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("FILE"),

@@ -9,6 +9,8 @@
 #include "settings/SettingsStore.h"
 #include "support/BrixError.h"
 
+#include "support/HelpFile.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -120,12 +122,15 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIX_VERSION));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Re-indents MultiValue BASIC programs as the editor's Format command does.\n"
-        "Only spaces change: at the start and end of lines and behind labels. Without -i or\n"
-        "--check the formatted text goes to the standard output.\n"
-        "Exit status: 0 done (or nothing to change), 1 --check found a file to change,\n"
-        "2 a file couldn't be read or written, or the options were wrong."));
+    parser.setApplicationDescription(
+        QStringLiteral(
+            "Re-indents MultiValue BASIC programs as the editor's Format command does.\n"
+            "Only spaces change: at the start and end of lines and behind labels. Without -i or\n"
+            "--check the formatted text goes to the standard output.\n"
+            "Exit status: 0 done (or nothing to change), 1 --check found a file to change,\n"
+            "2 a file couldn't be read or written, or the options were wrong.\n"
+            "The manual: ") +
+        HelpFile::Locate(HelpFile::ProgramFolder(), QStringLiteral("brix-format.html")));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("FILE"),

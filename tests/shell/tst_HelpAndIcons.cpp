@@ -1,0 +1,117 @@
+#include "DocumentFrame.h"
+#include "TestEnv.h"
+
+#include "app/ProcessState.h"
+#include "shell/CommandBand.h"
+#include "shell/CommandBar.h"
+#include "shell/frmMain.h"
+#include "support/HelpFile.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QIcon>
+#include <QImage>
+#include <QToolBar>
+
+// Stands in for the desktop's browser: records what it was asked to show.
+class UrlRecorder : public QObject {
+    Q_OBJECT
+public:
+    QList<QUrl> Urls;
+public Q_SLOTS:
+    void open(const QUrl& url) { Urls << url; }
+};
+
+class tst_HelpAndIcons : public QObject {
+    Q_OBJECT
+
+    static void touch(const QString& path) {
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<html></html>");
+    }
+
+private Q_SLOTS:
+    // The installed manual wins over a build tree's copy; without either the name is composed
+    // in the program's folder, which fails nothing until it is opened.
+    void locate_data() {
+        QTest::addColumn<QStringList>("pages");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("installed") << QStringList{"share/doc/brix/manual/index.html"}
+                                   << "share/doc/brix/manual/index.html";
+        QTest::newRow("build tree")
+            << QStringList{"bin/manual/index.html"} << "bin/manual/index.html";
+        QTest::newRow("both") << QStringList{"bin/manual/index.html",
+                                             "share/doc/brix/manual/index.html"}
+                              << "share/doc/brix/manual/index.html";
+        QTest::newRow("none") << QStringList{} << "bin/index.html";
+    }
+    void locate() {
+        QFETCH(QStringList, pages);
+        QFETCH(QString, expected);
+        QTemporaryDir prefix;
+        QDir().mkpath(prefix.filePath(QStringLiteral("bin")));
+        for (const QString& page : pages)
+            touch(prefix.filePath(page));
+        const QString root = QDir(prefix.path()).canonicalPath();
+        QCOMPARE(HelpFile::Locate(root + QStringLiteral("/bin"), QStringLiteral("index.html")),
+                 root + QLatin1Char('/') + expected);
+    }
+
+    // F1 hands the start page to the desktop's browser and marks the help open; a manual
+    // that isn't there opens nothing and says nothing.
+    void f1OpensTheManual_data() {
+        QTest::addColumn<bool>("present");
+        QTest::newRow("manual there") << true;
+        QTest::newRow("manual missing") << false;
+    }
+    void f1OpensTheManual() {
+        QFETCH(bool, present);
+        DocumentFrame frame;
+        QTemporaryDir dir;
+        const QString page = dir.filePath(QStringLiteral("index.html"));
+        if (present)
+            touch(page);
+        ProcessState::Instance().HelpFilePath = page;
+        UrlRecorder browser;
+        QDesktopServices::setUrlHandler(QStringLiteral("file"), &browser, "open");
+        frame.Frame()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(frame.Frame()));
+        QTest::keyClick(frame.Frame(), Qt::Key_F1);
+        QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+        QCOMPARE(browser.Urls, present ? QList<QUrl>{QUrl::fromLocalFile(page)} : QList<QUrl>{});
+        QCOMPARE(frame.Frame()->HelpOpen, present);
+    }
+
+    // Every tool of the tool bar has an icon, from the theme or shipped, that is drawn
+    // afresh for a device pixel ratio of 2 and in both sizes of the bar.
+    void toolBarIconsAreSharp_data() {
+        QTest::addColumn<int>("size");
+        QTest::newRow("small") << 16;
+        QTest::newRow("large") << 32;
+    }
+    void toolBarIconsAreSharp() {
+        QFETCH(int, size);
+        DocumentFrame frame;
+        const CommandBand* band = frame.Frame()->Bar().Band(QStringLiteral("ToolBar"));
+        QCOMPARE(band->Tools().size(), size_t(23));
+        for (const auto& tool : band->Tools()) {
+            const QIcon icon = tool->Action()->icon();
+            QVERIFY2(!icon.isNull(), qPrintable(tool->Key()));
+            const QPixmap pixmap = icon.pixmap(QSize(size, size), 2.0);
+            QVERIFY2(pixmap.width() >= 2 * size - 1,
+                     qPrintable(tool->Key() + QLatin1Char(' ') + QString::number(pixmap.width())));
+            const QImage image = pixmap.toImage();
+            bool drawn = false;
+            for (int y = 0; y < image.height() && !drawn; ++y)
+                for (int x = 0; x < image.width() && !drawn; ++x)
+                    drawn = qAlpha(image.pixel(x, y)) > 0;
+            QVERIFY2(drawn, qPrintable(tool->Key()));
+        }
+    }
+};
+
+BRIX_TEST_MAIN(tst_HelpAndIcons)
+#include "tst_HelpAndIcons.moc"
