@@ -4,6 +4,7 @@
 #include "documents/ItemIdCodec.h"
 #include "documents/mvHost.h"
 
+#include <QDir>
 #include <QRegularExpression>
 
 namespace {
@@ -12,8 +13,9 @@ namespace {
 // the code are the same in every copy).
 constexpr qsizetype kNameOffset = 36;
 constexpr qsizetype kNameEnd = 165;
-// Objects read while looking for the one a private copy was made from.
-constexpr int kMostObjectsRead = 400;
+// Objects looked at while looking for the one a private copy was made from (each may be a
+// round trip to the host).
+constexpr int kMostObjectsRead = 200;
 constexpr QLatin1StringView kObjectSuffix(".OUT");
 
 // Names CATALOG accepts; others (a leading "*" and the like go to the global catalogue)
@@ -172,7 +174,7 @@ std::optional<CatalogLookup::Source> CatalogLookup::sourceOf(const QString& obje
         return std::nullopt;
     const QString sourceFolder = objectFolder.chopped(kObjectSuffix.size());
     // Only a source file of this account can be offered by name.
-    if (parentOf(sourceFolder) != accountFolder_)
+    if (QDir::cleanPath(parentOf(sourceFolder)) != QDir::cleanPath(accountFolder_))
         return std::nullopt;
     if (!host_->Transport()->Stat(sourceFolder + QLatin1Char('/') + objectName).IsFile)
         return std::nullopt;

@@ -50,37 +50,20 @@ private Q_SLOTS:
         QTest::addColumn<QString>("profile");
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("private, another name") << "qm"
-                                               << "RALIAS"
-                                               << "BP REALSUB private";
-        QTest::newRow("private, own name, lower case") << "qm"
-                                                       << "ownsub"
-                                                       << "BP OWNSUB private";
-        QTest::newRow("another file") << "qm"
-                                      << "LIBX"
-                                      << "LIB LIBSUB private";
-        QTest::newRow("local") << "qm"
-                               << "LALIAS"
-                               << "BP LSUB local";
-        QTest::newRow("system verb") << "qm"
-                                     << "BASIC"
-                                     << "";
-        QTest::newRow("not catalogued") << "qm"
-                                        << "NOSUCH"
-                                        << "";
-        QTest::newRow("global name") << "qm"
-                                     << "*RALIAS"
-                                     << "";
-        QTest::newRow("not a name") << "qm"
-                                    << "A B;LIST VOC"
-                                    << "";
+        const auto row = [](const char* tag, const char* profile, const char* name,
+                            const char* expected) {
+            QTest::newRow(tag) << QString(profile) << QString(name) << QString(expected);
+        };
+        row("private, another name", "qm", "RALIAS", "BP REALSUB private");
+        row("private, own name, lower case", "qm", "ownsub", "BP OWNSUB private");
+        row("another file", "qm", "LIBX", "LIB LIBSUB private");
+        row("local", "qm", "LALIAS", "BP LSUB local");
+        row("system verb", "qm", "BASIC", "");
+        row("not catalogued", "qm", "NOSUCH", "");
+        row("not a name", "qm", "A B;LIST VOC", "");
         // VOC is read by a command: without commands only the private catalogue is seen.
-        QTest::newRow("local, no commands") << "qmoff"
-                                            << "LALIAS"
-                                            << "";
-        QTest::newRow("private, no commands") << "qmoff"
-                                              << "RALIAS"
-                                              << "BP REALSUB private";
+        row("local, no commands", "qmoff", "LALIAS", "");
+        row("private, no commands", "qmoff", "RALIAS", "BP REALSUB private");
     }
     void find() {
         QFETCH(QString, profile);
@@ -101,19 +84,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("note");
-        QTest::newRow("catalogued") << "LIBX"
-                                    << "LIB"
-                                    << "LIBSUB"
-                                    << "LIBX is not in BP: the private catalogue has it from "
-                                       "LIB LIBSUB.";
-        QTest::newRow("an item of the file") << "REALSUB"
-                                             << "BP"
-                                             << "REALSUB"
-                                             << "";
-        QTest::newRow("neither") << "NOSUCH"
-                                 << "BP"
-                                 << "NOSUCH"
-                                 << "";
+        const auto row = [](const char* item, const char* file, const char* name,
+                            const char* note) {
+            QTest::newRow(item) << QString(item) << QString(file) << QString(name) << QString(note);
+        };
+        row("LIBX", "LIB", "LIBSUB",
+            "LIBX is not in BP: the private catalogue has it from LIB LIBSUB.");
+        // An item of the file, and a name that is neither.
+        row("REALSUB", "BP", "REALSUB", "");
+        row("NOSUCH", "BP", "NOSUCH", "");
     }
     void browserOffersTheSource() {
         QFETCH(QString, item);

@@ -491,12 +491,7 @@ private Q_SLOTS:
                 buffer.InsertText(999, line + 1, tail, 0, c, l);
             }
         };
-        op->Undo = [&](SourceBuffer& buffer) {
-            for (int line = 16; line < 400; line += 20) {
-                buffer.DeleteText(0, line, tail.size(), line);
-                buffer.DeleteText(0, line + 1, tail.size(), line + 1);
-            }
-        };
+        op->Undo = [](SourceBuffer&) {};
         b.ExecuteOp(std::move(op));
         QCoreApplication::processEvents();
         QCOMPARE(firstVisible(), shown);
