@@ -1,5 +1,6 @@
 #include "documents/BrowseModel.h"
 
+#include "documents/CatalogLookup.h"
 #include "documents/mvConnection.h"
 #include "documents/mvPath.h"
 #include "support/BrixError.h"
@@ -54,9 +55,23 @@ BrowseModel::BrowseModel(QString caption, const std::shared_ptr<mvResource>& sta
         // and then offers it even when it doesn't exist yet.
         if (caption_ == QLatin1String("Open") ? mode_ == Mode::Host : start->IsItem())
             initialName_ = start->ItemID();
+        if (caption_ == QLatin1String("Open") && mode_ == Mode::Host && start->IsItem() &&
+            !start->Exists())
+            offerCatalogued(start);
     } catch (const BrixError& e) {
         LastError = e.Description;
     }
+}
+
+void BrowseModel::offerCatalogued(const std::shared_ptr<mvResource>& start) {
+    const auto source = CatalogLookup(start->Host()).Find(start->ItemID());
+    if (!source)
+        return;
+    file_ = source->File;
+    initialName_ = source->Item;
+    note_ =
+        QStringLiteral("%1 is not in %2: the %3 has it from %4 %5.")
+            .arg(start->ItemID(), start->Folder(), source->Catalogue, source->File, source->Item);
 }
 
 bool BrowseModel::OffersReadOnly() const {

@@ -49,6 +49,9 @@ public:
 
     // The name to start with in the name box (a Save keeps the item's own name).
     QString InitialName() const { return initialName_; }
+    // Why the start differs from what was asked for (a catalogued program offered in place
+    // of a missing item); empty when it doesn't.
+    QString Note() const { return note_; }
     // Names typed in the name box: one name, or several in double quotes when the browser
     // takes several ("A" "B C").
     QStringList SplitNames(const QString& typed) const;
@@ -72,6 +75,7 @@ public:
 
 private:
     std::shared_ptr<mvResource> hostResource(const QString& folder) const;
+    void offerCatalogued(const std::shared_ptr<mvResource>& start);
 
     QString caption_;
     QString extension_;
@@ -81,4 +85,5 @@ private:
     QString server_, account_, file_;
     QString localFolder_;
     QString initialName_;
+    QString note_;
 };

@@ -72,6 +72,11 @@ frmBrowse::frmBrowse(const QString& caption, const std::shared_ptr<mvResource>& 
     pages_->addWidget(localPage);
     layout->addWidget(pages_, 1);
 
+    lblNote_ = new QLabel(model_.Note(), this);
+    lblNote_->setWordWrap(true);
+    lblNote_->setVisible(!model_.Note().isEmpty());
+    lblNote_->setObjectName(QStringLiteral("lblNote"));
+    layout->addWidget(lblNote_);
     auto* nameRow = new QHBoxLayout;
     lblName_ = new QLabel(this);
     txtName_ = new QLineEdit(model_.InitialName(), this);
@@ -206,6 +211,10 @@ void frmBrowse::fillFiles() {
 void frmBrowse::fillItems() {
     lstItems_->clear();
     lstItems_->addItems(model_.Items());
+    // The item the browser starts with shows selected when the file has it.
+    const auto named = lstItems_->findItems(txtName_->text(), Qt::MatchFixedString);
+    if (!named.isEmpty())
+        lstItems_->setCurrentItem(named.first());
     showError();
 }
 

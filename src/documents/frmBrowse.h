@@ -63,6 +63,7 @@ private:
     QListWidget* lstLocal_ = nullptr;
     QComboBox* cboType_ = nullptr;
     QLabel* lblName_ = nullptr;
+    QLabel* lblNote_ = nullptr;
     QLineEdit* txtName_ = nullptr;
     QCheckBox* chkReadOnly_ = nullptr;
     QLabel* lblError_ = nullptr;

@@ -86,13 +86,38 @@ int32_t mvDocument::ReplaceAll(const QString& text, const QString& replacement, 
     scopeRange(*editor, scope, low, high);
     auto op = std::make_unique<OpReplace>();
     long length = 0;
+    // Matches never cross a line end: each line is looked up once, and its columns are
+    // counted on from the last match, never again from the line's start.
+    long nextLineStart = -1;
+    int32_t line = -1;
+    long counted = 0;
+    int32_t column = 0;
+    const auto columnAt = [&](long position) {
+        const auto count = static_cast<int32_t>(position - counted);
+        if (count > 0) {
+            const auto* bytes = reinterpret_cast<const char*>(
+                editor->SendScintilla(QsciScintillaBase::SCI_GETRANGEPOINTER,
+                                      static_cast<unsigned long>(counted), count));
+            column += Utf8Columns::CodeUnits(bytes, count);
+            counted = position;
+        }
+        return column;
+    };
     for (long at = search.Forward(low, high, length); at >= 0;
          at = search.Forward(at + length, high, length)) {
+        if (at >= nextLineStart) {
+            line = static_cast<int32_t>(editor->SendScintilla(
+                QsciScintillaBase::SCI_LINEFROMPOSITION, static_cast<unsigned long>(at)));
+            counted = editor->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE,
+                                            static_cast<unsigned long>(line));
+            nextLineStart = editor->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE,
+                                                  static_cast<unsigned long>(line) + 1);
+            column = 0;
+        }
         OpReplace::Match match;
-        int32_t endColumn = 0;
-        columnLineOf(*editor, at, match.Column, match.Line);
-        columnLineOf(*editor, at + length, endColumn, match.Line);
-        match.Length = endColumn - match.Column;
+        match.Line = line;
+        match.Column = columnAt(at);
+        match.Length = columnAt(at + length) - match.Column;
         op->Matches.push_back(match);
     }
     const auto count = static_cast<int32_t>(op->Matches.size());

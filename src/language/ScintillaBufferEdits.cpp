@@ -2,6 +2,8 @@
 
 #include "language/Utf8Columns.h"
 
+#include <QScrollBar>
+#include <QSignalBlocker>
 #include <Qsci/qsciscintillabase.h>
 #include <algorithm>
 
@@ -29,6 +31,10 @@ void appendUtf8(std::string& out, const QString& text) {
         }
         dst[i] = static_cast<char>(units[i]);
     }
+}
+
+std::pair<int, int> rangeOf(const QScrollBar* bar) {
+    return {bar->minimum(), bar->maximum()};
 }
 
 } // namespace
@@ -112,10 +118,36 @@ void ScintillaBuffer::flushEdits() const {
     const auto& runs = edits.Runs();
     if (updates && runs.back().Last - runs.front().First > 64)
         viewport->setUpdatesEnabled(false);
-    for (const PendingLineEdits::Run& run : runs) {
-        replaceRun(run, edits.Text(run));
-        const auto inRun = [&](int32_t line) { return line >= run.First && line <= run.Last; };
-        selectionReplaced = selectionReplaced || inRun(caretLine) || inRun(anchorLine);
+    // A run of several lines goes and comes back, and Scintilla sets the scroll bars' ranges
+    // after each half: each change repaints the bar and posts an event to the scroll area,
+    // and near the end of the text the view moves up as the lines go. The lines are as many
+    // afterwards: the view goes back to its first line, and the bars are told and drawn
+    // once, at the end.
+    const long top = sci(QsciScintillaBase::SCI_GETFIRSTVISIBLELINE);
+    QScrollBar* bars[] = {editor_.verticalScrollBar(), editor_.horizontalScrollBar()};
+    const std::pair<int, int> ranges[] = {rangeOf(bars[0]), rangeOf(bars[1])};
+    const bool quiet = runs.size() > 1;
+    bool drawn[] = {false, false};
+    {
+        const QSignalBlocker vertical(quiet ? bars[0] : nullptr);
+        const QSignalBlocker horizontal(quiet ? bars[1] : nullptr);
+        for (size_t i = 0; quiet && i < std::size(bars); ++i) {
+            drawn[i] = bars[i]->updatesEnabled();
+            bars[i]->setUpdatesEnabled(false);
+        }
+        for (const PendingLineEdits::Run& run : runs) {
+            replaceRun(run, edits.Text(run));
+            const auto inRun = [&](int32_t line) { return line >= run.First && line <= run.Last; };
+            selectionReplaced = selectionReplaced || inRun(caretLine) || inRun(anchorLine);
+        }
+        if (sci(QsciScintillaBase::SCI_GETFIRSTVISIBLELINE) != top)
+            sci(QsciScintillaBase::SCI_SETFIRSTVISIBLELINE, static_cast<unsigned long>(top));
+    }
+    for (size_t i = 0; quiet && i < std::size(bars); ++i) {
+        if (drawn[i])
+            bars[i]->setUpdatesEnabled(true);
+        if (rangeOf(bars[i]) != ranges[i])
+            Q_EMIT bars[i]->rangeChanged(bars[i]->minimum(), bars[i]->maximum());
     }
     if (updates && !viewport->updatesEnabled())
         viewport->setUpdatesEnabled(true);

@@ -166,35 +166,42 @@ private Q_SLOTS:
 
     // Replace All: one step that undo takes back whole, caret and selection included.
     void replaceAll_data() {
+        QTest::addColumn<QString>("before");
         QTest::addColumn<bool>("inSelection");
         QTest::addColumn<QString>("find");
         QTest::addColumn<QString>("after");
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("selectedAfter");
-        QTest::newRow("document") << false << "ab"
+        const QString plain = QStringLiteral("ab abab\nCabD ab");
+        QTest::newRow("document") << plain << false << "ab"
                                   << "x xx\nCxD x"
                                   << "5 occurrences replaced."
                                   << "2,0>1,1";
-        QTest::newRow("selection") << true << "ab"
+        QTest::newRow("selection") << plain << true << "ab"
                                    << "ab xx\nCabD ab"
                                    << "2 occurrences replaced."
                                    << "3,0>2,1";
-        QTest::newRow("none in selection") << true << "zz"
+        QTest::newRow("none in selection") << plain << true << "zz"
                                            << "ab abab\nCabD ab"
                                            << "Search text not found in selection."
                                            << "3,0>2,1";
-        QTest::newRow("none in document") << false << "zz"
+        QTest::newRow("none in document") << plain << false << "zz"
                                           << "ab abab\nCabD ab"
                                           << "Search text not found in document."
                                           << "3,0>2,1";
+        // Columns count UTF-16 units: the astral character is two.
+        QTest::newRow("wide characters")
+            << QStringLiteral("ab \u00e9\U0001D11Eab ab\nCab\u00e9 ab") << false << "ab"
+            << QStringLiteral("x \u00e9\U0001D11Ex x\nCx\u00e9 x") << "5 occurrences replaced."
+            << "2,0>1,1";
     }
     void replaceAll() {
+        QFETCH(QString, before);
         QFETCH(bool, inSelection);
         QFETCH(QString, find);
         QFETCH(QString, after);
         QFETCH(QString, message);
         QFETCH(QString, selectedAfter);
-        const QString before = QStringLiteral("ab abab\nCabD ab");
         auto document = open(before);
         document->Editor()->SetSelection(3, 0, 2, 1);
         dialog().Replace();

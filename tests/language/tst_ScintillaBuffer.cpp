@@ -7,6 +7,7 @@
 
 #include <QKeyEvent>
 #include <QRandomGenerator>
+#include <QScrollBar>
 #include <functional>
 
 namespace {
@@ -455,6 +456,49 @@ private Q_SLOTS:
         b.Redo();
         QCOMPARE(allLines(b), expected);
         keeps();
+    }
+
+    // An operation over runs of neighbouring lines leaves the view where it was, its scroll
+    // bars showing what Scintilla shows.
+    void scrollBarsAfterAnOperation_data() {
+        QTest::addColumn<int>("top");
+        QTest::newRow("at the end") << -1;
+        QTest::newRow("in the middle") << 150;
+        QTest::newRow("at the start") << 0;
+    }
+    void scrollBarsAfterAnOperation() {
+        QFETCH(int, top);
+        ScintillaBuffer& b = view->Buffer();
+        QStringList start;
+        for (int i = 0; i < 400; ++i)
+            start << QStringLiteral("line %1").arg(i);
+        b.SetAllText(start.join(QLatin1Char('\n')));
+        QScrollBar* bar = view->verticalScrollBar();
+        bar->setValue(top < 0 ? bar->maximum() : top);
+        QCoreApplication::processEvents();
+        const auto firstVisible = [&] {
+            return static_cast<int>(
+                view->SendScintilla(QsciScintillaBase::SCI_GETFIRSTVISIBLELINE));
+        };
+        const int shown = firstVisible();
+        const int maximum = bar->maximum();
+        const QString tail(200, QLatin1Char('x'));
+        auto op = std::make_unique<OpScript>();
+        op->Do = [&](SourceBuffer& buffer) {
+            for (int line = 16; line < 400; line += 20) {
+                int c = 0, l = 0;
+                buffer.InsertText(999, line, tail, 0, c, l);
+                buffer.InsertText(999, line + 1, tail, 0, c, l);
+            }
+        };
+        op->Undo = [](SourceBuffer&) {};
+        b.ExecuteOp(std::move(op));
+        QCoreApplication::processEvents();
+        QCOMPARE(firstVisible(), shown);
+        QCOMPARE(bar->value(), shown);
+        QCOMPARE(bar->maximum(), maximum);
+        QCOMPARE(view->horizontalScrollBar()->value(),
+                 static_cast<int>(view->SendScintilla(QsciScintillaBase::SCI_GETXOFFSET)));
     }
 
     // Random edits, most within a line and walking down, some making or joining lines, read
