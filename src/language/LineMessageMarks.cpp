@@ -3,6 +3,7 @@
 #include "language/SourceView.h"
 
 #include <QHelpEvent>
+#include <QMouseEvent>
 #include <QStringList>
 #include <QToolTip>
 #include <algorithm>
@@ -143,25 +144,45 @@ void LineMessageMarks::onModified(int position, int type, const char*, int lengt
 }
 
 bool LineMessageMarks::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::ToolTip || watched != view_.viewport() || messages_.empty())
+    const QEvent::Type type = event->type();
+    if ((type != QEvent::ToolTip && type != QEvent::MouseMove) || watched != view_.viewport() ||
+        messages_.empty())
         return QObject::eventFilter(watched, event);
-    auto* help = static_cast<QHelpEvent*>(event);
-    const int width = view_.marginWidth(MarginIndex);
+    QPoint at;
+    QPoint globalAt;
+    if (type == QEvent::ToolTip) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        at = help->pos();
+        globalAt = help->globalPos();
+    } else {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (mouse->buttons() != Qt::NoButton)
+            return QObject::eventFilter(watched, event);
+        at = mouse->position().toPoint();
+        globalAt = mouse->globalPosition().toPoint();
+    }
     int left = 0;
     for (int m = 0; m < MarginIndex; ++m)
         left += view_.marginWidth(m);
-    if (help->pos().x() < left || help->pos().x() >= left + width)
+    const int width = view_.marginWidth(MarginIndex);
+    if (at.x() < left || at.x() >= left + width)
         return QObject::eventFilter(watched, event);
     // The row under the pointer, wrapped rows counted, as the line-number strip finds it.
-    const long height = std::max(1L, view_.SendScintilla(Sci::SCI_TEXTHEIGHT, 0));
-    const long row = view_.SendScintilla(Sci::SCI_GETFIRSTVISIBLELINE) + help->pos().y() / height;
+    const int height = std::max(1, static_cast<int>(view_.SendScintilla(Sci::SCI_TEXTHEIGHT, 0)));
+    const long row = view_.SendScintilla(Sci::SCI_GETFIRSTVISIBLELINE) + at.y() / height;
     const long line = view_.SendScintilla(Sci::SCI_DOCLINEFROMVISIBLE, row);
     const bool onText = row < view_.SendScintilla(Sci::SCI_VISIBLEFROMDOCLINE, line) +
                                   view_.SendScintilla(Sci::SCI_WRAPCOUNT, line);
     const QString message = onText ? MessageAt(static_cast<int32_t>(line)) : QString();
-    if (message.isEmpty())
+    if (!message.isEmpty()) {
+        // Shown on the move as well: right after a compile the results window is the active
+        // one, and the usual tool tips wait for this window to be activated again.
+        const QRect symbol(left, at.y() - at.y() % height, width, height);
+        QToolTip::showText(globalAt, message, view_.viewport(), symbol);
+    } else if (type == QEvent::ToolTip) {
         QToolTip::hideText();
-    else
-        QToolTip::showText(help->globalPos(), message, view_.viewport());
-    return true;
+    }
+    if (type == QEvent::ToolTip)
+        return true;
+    return QObject::eventFilter(watched, event);
 }
