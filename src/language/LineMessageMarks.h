@@ -1,5 +1,7 @@
 #pragma once
 
+#include "language/ScintillaBuffer.h"
+
 #include <QObject>
 #include <QString>
 #include <cstdint>
@@ -18,7 +20,7 @@ class LineMessageMarks final : public QObject {
 
 public:
     // The component's marker number and the margin that shows it.
-    static constexpr int Marker = 2;
+    static constexpr int Marker = ScintillaBuffer::MessageMarker;
     static constexpr int MarginIndex = 1;
 
     explicit LineMessageMarks(SourceView& view);

@@ -72,7 +72,8 @@ private Q_SLOTS:
         QToolTip::hideText();
     }
 
-    // Typing on a marked line takes its mark; marks move with the lines pushed down.
+    // Typing on a marked line, or an operation on it, takes its mark; marks move with the
+    // lines pushed down.
     void editsMoveOrDropMarks_data() {
         QTest::addColumn<int>("line");
         QTest::addColumn<int>("column");
@@ -87,6 +88,8 @@ private Q_SLOTS:
         QTest::newRow("new line at a marked line's end") << 6 << 99 << -1 << "\n"
                                                          << QList<int>{6, 9};
         QTest::newRow("a marked line deleted whole") << 6 << 0 << 7 << "\x7f" << QList<int>{7};
+        QTest::newRow("an operation rewrites a marked line")
+            << 8 << 0 << -1 << "\t" << QList<int>{6};
     }
     void editsMoveOrDropMarks() {
         QFETCH(int, line);
@@ -105,6 +108,8 @@ private Q_SLOTS:
                 QTest::keyClick(view, Qt::Key_Return);
             else if (key == QChar(0x7f))
                 QTest::keyClick(view, Qt::Key_Delete);
+            else if (key == QLatin1Char('\t'))
+                document->IndentBlock(true);
             else
                 QTest::keyClicks(view, QString(key));
         }
