@@ -660,7 +660,8 @@ void ScintillaBuffer::SetAllBytes(const QByteArray& bytes) {
         editor_.SendScintilla(QsciScintillaBase::SCI_APPENDTEXT,
                               static_cast<unsigned long>(bytes.size()), bytes.constData());
     });
-    // The old records no longer fit the text.
+    // The old records and messages no longer fit the text.
+    sci(QsciScintillaBase::SCI_MARKERDELETEALL, MessageMarker);
     sci(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
     ops_.clear();
     pending_.clear();
