@@ -147,6 +147,8 @@ private:
     void writeToResource();
     // A new operation on the editor, made first if need be; null without one.
     template <typename Op> std::unique_ptr<Op> newOperation();
+    // Marks the editor's lines that a compiler's output names, until the next compile.
+    void markMessageLines(const QString& output);
 
     int32_t documentNumber_ = 0;
     std::shared_ptr<mvResource> resource_;

@@ -2,12 +2,15 @@
 // the compiler there and hands its output to the results window.
 #include "app/ProcessState.h"
 #include "documents/BusyPointer.h"
+#include "documents/CompileMessageLines.h"
 #include "documents/CompileOutput.h"
 #include "documents/DocumentSteps.h"
 #include "documents/mvDocument.h"
 #include "documents/mvHost.h"
 #include "documents/mvResource.h"
+#include "language/LineMessageMarks.h"
 #include "language/ScintillaBuffer.h"
+#include "language/SourceView.h"
 #include "settings/Moriox.h"
 #include "support/IFrame.h"
 #include "support/MsgBoxEx.h"
@@ -63,6 +66,17 @@ void mvDocument::Compile() {
     if (qobject_cast<QApplication*>(QCoreApplication::instance()))
         QApplication::restoreOverrideCursor();
     QApplication::beep();
+    markMessageLines(text);
     if (IFrame* frame = ProcessState::Instance().Frame())
         frame->ShowResults(text);
+}
+
+void mvDocument::markMessageLines(const QString& output) {
+    SourceView* editor = Editor();
+    if (!editor)
+        return;
+    std::vector<std::pair<int32_t, QString>> marks;
+    for (const CompileMessageLines::Entry& entry : CompileMessageLines::Parse(output))
+        marks.emplace_back(entry.Line - 1, entry.Message);
+    editor->MessageMarks().Set(marks);
 }

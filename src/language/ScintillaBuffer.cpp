@@ -14,8 +14,11 @@ namespace {
 // with a walk from the start of the document to the change. Only the undo tokens of
 // operations are wanted (their notification carries the performed-undo/redo flag too).
 constexpr long kOperationEventMask = QsciScintillaBase::SC_MOD_CONTAINER;
+// The notices sent before a change cost nothing and carry no text for the component to
+// count: marks of lines read them to go when their line is edited.
 constexpr long kNormalEventMask =
-    QsciScintillaBase::SC_MOD_CONTAINER | QsciScintillaBase::SC_MOD_CHANGEMARKER;
+    QsciScintillaBase::SC_MOD_CONTAINER | QsciScintillaBase::SC_MOD_CHANGEMARKER |
+    QsciScintillaBase::SC_MOD_BEFOREINSERT | QsciScintillaBase::SC_MOD_BEFOREDELETE;
 
 constexpr int kDefaultStyle = 0;
 
@@ -639,7 +642,8 @@ QString ScintillaBuffer::AllText() const {
 std::string_view ScintillaBuffer::AllBytes() const {
     flushEdits();
     const long length = sci(QsciScintillaBase::SCI_GETLENGTH);
-    const auto* text = reinterpret_cast<const char*>(sci(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+    const auto* text =
+        reinterpret_cast<const char*>(sci(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
     return text ? std::string_view(text, static_cast<size_t>(length)) : std::string_view();
 }
 
@@ -656,7 +660,8 @@ void ScintillaBuffer::SetAllBytes(const QByteArray& bytes) {
         editor_.SendScintilla(QsciScintillaBase::SCI_APPENDTEXT,
                               static_cast<unsigned long>(bytes.size()), bytes.constData());
     });
-    // The old records no longer fit the text.
+    // The old records and messages no longer fit the text.
+    sci(QsciScintillaBase::SCI_MARKERDELETEALL, MessageMarker);
     sci(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
     ops_.clear();
     pending_.clear();

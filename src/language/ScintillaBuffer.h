@@ -89,6 +89,8 @@ public:
     // The Scintilla style that shows a token kind.
     static int StyleOfKind(int32_t kind);
     static constexpr int BookmarkMarker = 1;
+    // Messages pinned to lines (LineMessageMarks); an operation that rewrites a line drops it.
+    static constexpr int MessageMarker = 2;
     // Marks text whose colours wait until it is shown; it is never painted.
     static constexpr int PendingStyle = 31;
     // Requests for more lines than this style the lines in view only.

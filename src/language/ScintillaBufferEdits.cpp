@@ -188,6 +188,12 @@ void ScintillaBuffer::replaceRun(const PendingLineEdits::Run& run, std::string_v
     sci(QsciScintillaBase::SCI_SETTARGETRANGE, static_cast<unsigned long>(start), end);
     editor_.SendScintilla(QsciScintillaBase::SCI_REPLACETARGET,
                           static_cast<unsigned long>(text.size()), text.data());
+    // A message pinned to a line is about its old text: rewritten lines lose it.
+    constexpr long messageMask = 1L << MessageMarker;
+    for (long line = sci(QsciScintillaBase::SCI_MARKERNEXT, first, messageMask);
+         line >= 0 && line <= last;
+         line = sci(QsciScintillaBase::SCI_MARKERNEXT, line + 1, messageMask))
+        sci(QsciScintillaBase::SCI_MARKERDELETE, static_cast<unsigned long>(line), MessageMarker);
     if (first == last)
         return;
     for (size_t i = 0; i < states.size(); ++i)
@@ -195,6 +201,8 @@ void ScintillaBuffer::replaceRun(const PendingLineEdits::Run& run, std::string_v
     // Scintilla gathered the markers of the removed lines on one of the new ones.
     for (const auto& [line, set] : markedLines(first, last))
         sci(QsciScintillaBase::SCI_MARKERDELETE, static_cast<unsigned long>(line), -1);
-    for (const auto& [line, set] : markers)
-        sci(QsciScintillaBase::SCI_MARKERADDSET, static_cast<unsigned long>(line), set);
+    for (const auto& [line, set] : markers) {
+        if (const long kept = set & ~(1L << MessageMarker))
+            sci(QsciScintillaBase::SCI_MARKERADDSET, static_cast<unsigned long>(line), kept);
+    }
 }

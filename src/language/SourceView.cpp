@@ -4,6 +4,7 @@
 #include <Qsci/qscicommandset.h>
 
 #include "language/BufferLexer.h"
+#include "language/LineMessageMarks.h"
 #include "language/LineNumberGutter.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceViewAccessible.h"
@@ -37,6 +38,7 @@ SourceView::SourceView(QWidget* parent)
     setContextMenuPolicy(Qt::DefaultContextMenu);
     // The gutter takes its room from the left of the viewport.
     gutter_ = new LineNumberGutter(*this, [this](int room) { setViewportMargins(room, 0, 0, 0); });
+    messageMarks_ = new LineMessageMarks(*this);
 }
 
 void SourceView::paintEvent(QPaintEvent* event) {

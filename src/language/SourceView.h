@@ -6,6 +6,7 @@
 
 class BufferLexer;
 class ISourceDraw2;
+class LineMessageMarks;
 class LineNumberGutter;
 class ScintillaBuffer;
 
@@ -62,6 +63,8 @@ public:
     BufferLexer& Lexer() const { return *lexer_; }
     // The line-number strip left of the viewport.
     LineNumberGutter& Gutter() const { return *gutter_; }
+    // Messages pinned to lines, such as the last compile's errors.
+    LineMessageMarks& MessageMarks() const { return *messageMarks_; }
 
     // The hook that heads the printed pages and numbers their lines.
     const std::shared_ptr<ISourceDraw2>& PrintHook() const { return printHook_; }
@@ -93,6 +96,7 @@ private:
     QList<QKeyCombination> commandKeys_;
     BufferLexer* lexer_ = nullptr;
     LineNumberGutter* gutter_ = nullptr;
+    LineMessageMarks* messageMarks_ = nullptr;
     int32_t margin_ = 0;
     std::shared_ptr<ISourceDraw2> printHook_;
 };
