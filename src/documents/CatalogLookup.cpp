@@ -69,7 +69,8 @@ std::optional<CatalogLookup::Source> CatalogLookup::Find(const QString& name) {
 }
 
 void CatalogLookup::readVoc(const QString& name, VocRecord& entry, VocRecord& privateCatalogue) {
-    if (!host_->AllowsCommands())
+    // Only a QM host knows CT; on another the command would run something else or nothing.
+    if (!host_->AllowsCommands() || host_->Profile()->ItemNames != ItemIdCodec::Mode::Qm)
         return;
     QString output;
     try {
