@@ -2,7 +2,9 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QSettings>
 #include <QStandardPaths>
 #include <algorithm>
@@ -30,6 +32,43 @@ QString expandHome(const QString& path) {
     if (path == QLatin1String("~") || path.startsWith(QLatin1String("~/")))
         return QDir::homePath() + path.mid(1);
     return path;
+}
+
+// The Command lines of the file by group, as written. QSettings would take a leading quoted
+// program path as a quoted value and run it together with the arguments behind it.
+QHash<QString, QString> rawCommands(const QString& file) {
+    QHash<QString, QString> commands;
+    QFile in(file);
+    if (!in.open(QIODevice::ReadOnly))
+        return commands;
+    QString group;
+    while (!in.atEnd()) {
+        const QString line = QString::fromUtf8(in.readLine()).trimmed();
+        if (line.startsWith(QLatin1Char('[')) && line.endsWith(QLatin1Char(']')))
+            group = line.mid(1, line.size() - 2).trimmed();
+        else if (const qsizetype eq = line.indexOf(QLatin1Char('='));
+                 eq > 0 && line.left(eq).trimmed().compare(QLatin1String("Command"),
+                                                           Qt::CaseInsensitive) == 0)
+            commands.insert(group, line.mid(eq + 1));
+    }
+    return commands;
+}
+
+// A comment behind a ";" outside quotes goes, as QSettings would drop it, and a value quoted
+// whole is unwrapped as QSettings would unwrap it.
+QString commandText(const QString& raw) {
+    QString value = raw.trimmed();
+    bool quoted = false;
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        if (value[i] == QLatin1Char('"'))
+            quoted = !quoted;
+        else if (value[i] == QLatin1Char(';') && !quoted)
+            value = value.left(i).trimmed();
+    }
+    if (value.size() >= 2 && value.startsWith(QLatin1Char('"')) &&
+        value.endsWith(QLatin1Char('"')) && value.count(QLatin1Char('"')) == 2)
+        value = value.mid(1, value.size() - 2);
+    return value;
 }
 
 } // namespace
@@ -137,6 +176,7 @@ void ConnectionProfiles::Load(const QString& file) {
     defaultName_.clear();
     if (QFileInfo::exists(file)) {
         QSettings ini(file, QSettings::IniFormat);
+        const QHash<QString, QString> commands = rawCommands(file);
         if (ini.status() != QSettings::NoError)
             Warnings << QStringLiteral("The connections file %1 could not be read.").arg(file);
         for (const QString& group : ini.childGroups()) {
@@ -154,7 +194,8 @@ void ConnectionProfiles::Load(const QString& file) {
                 p.Accounts.append({key, expandHome(text(ini.value(key)))});
             ini.endGroup();
             p.DefaultAccount = text(ini.value(QStringLiteral("DefaultAccount")));
-            p.CommandLine = text(ini.value(QStringLiteral("Command")));
+            p.CommandLine = commands.contains(group) ? commandText(commands.value(group))
+                                                     : text(ini.value(QStringLiteral("Command")));
             p.AllowCommands = toBool(ini.value(QStringLiteral("AllowCommands")), false);
             const QString timeout = text(ini.value(QStringLiteral("CommandTimeout"))).trimmed();
             if (!timeout.isEmpty()) {

@@ -2,10 +2,12 @@
 #include "TestEnv.h"
 
 #include "documents/ConnectionErrors.h"
+#include "documents/ConnectionProfiles.h"
 #include "documents/mvConnection.h"
 #include "documents/mvHost.h"
 #include "documents/mvResource.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
 
 // The connection service: path strings, profiles from the connections file, resources as
@@ -268,6 +270,30 @@ private Q_SLOTS:
         QFETCH(QString, written);
         QFETCH(QString, returned);
         QCOMPARE(execute("printf", written), returned);
+    }
+
+    // The Command value as written: a quoted program path with blanks stays one word.
+    void commandAsWritten_data() {
+        QTest::addColumn<QString>("written");
+        QTest::addColumn<QStringList>("words");
+        QTest::newRow("plain") << "qm -quiet" << QStringList{"qm", "-quiet"};
+        QTest::newRow("quoted path")
+            << "\"/opt/my qm/qm\" -quiet" << QStringList{"/opt/my qm/qm", "-quiet"};
+        QTest::newRow("comment") << "uv   ; runs one command" << QStringList{"uv"};
+        QTest::newRow("semicolon in quotes")
+            << "\"/a;b/qm\" -x ; note" << QStringList{"/a;b/qm", "-x"};
+        QTest::newRow("quoted whole") << "\"qm -quiet\"" << QStringList{"qm", "-quiet"};
+    }
+    void commandAsWritten() {
+        QFETCH(QString, written);
+        QFETCH(QStringList, words);
+        const QString file = tmp.filePath(QStringLiteral("command.conf"));
+        FileTestSupport::WriteFile(file, "[h]\nAccountsFolder=/tmp\nCommand=" + written.toUtf8() +
+                                             "\nAllowCommands=true\n");
+        ConnectionProfiles profiles;
+        profiles.Load(file);
+        QVERIFY(profiles.Find(QStringLiteral("h")));
+        QCOMPARE(QProcess::splitCommand(profiles.Find(QStringLiteral("h"))->CommandLine), words);
     }
 
     void failedCommands() {
