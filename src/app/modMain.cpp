@@ -6,8 +6,8 @@
 #include "app/ProcessState.h"
 #include "documents/DocumentCollection.h"
 #include "documents/mvConnection.h"
-#include "recovery/modAutoRecover.h"
 #include "editing/frmGoto.h"
+#include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "shell/CommandDispatcher.h"
 #include "shell/frmMain.h"
@@ -124,8 +124,10 @@ bool Main(QApplication& app) {
             return true;
         }
 
-        if (state.Mode == ProcessState::StartMode::User)
+        if (state.Mode == ProcessState::StartMode::User) {
+            mvConnection::Instance().ShowWarnings(frame);
             CommandLine::Process(state.CommandLine);
+        }
 
         // After the command line, so that a client finds what it opened.
         startAutomation();

@@ -165,7 +165,7 @@ private slots:
             ssh_->WriteFile(file, "new");
             QFAIL("a write without a connection succeeded");
         } catch (const BrixError& e) {
-            QCOMPARE(e.Number, ConnectionErrors::WriteFailed);
+            QCOMPARE(e.Number, ConnectionErrors::ConnectionLost);
         }
         QCOMPARE(disk(file), QByteArray("old"));
     }
