@@ -145,10 +145,27 @@ SshSession::Result SshSession::fail(bool timedOut) {
     return timedOut ? Result::TimedOut : Result::Broken;
 }
 
+bool SshSession::idleAlive() {
+    // Between calls the host says nothing: anything to read, or the end, means it is gone.
+    pollfd p{out_, POLLIN, 0};
+    if (::poll(&p, 1, 0) != 0)
+        return false;
+    if (::waitpid(pid_, nullptr, WNOHANG) != pid_)
+        return true;
+    pid_ = -1;
+    return false;
+}
+
 SshSession::Result SshSession::Call(const QByteArray& script, const QByteArray& input, int timeout,
                                     Reply& reply) {
     reply = Reply();
     diagnostics_.clear();
+    if (!over_ && pid_ > 0 && !idleAlive()) {
+        // It ended between calls (the connection was closed): nothing was sent, so a new one
+        // may do it.
+        end(true);
+        over_ = proven_ = false;
+    }
     if (over_ || (pid_ < 0 && !start()))
         return Result::Broken;
     const QByteArray request = QByteArray::number(script.size()) + ' ' +

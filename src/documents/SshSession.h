@@ -38,6 +38,7 @@ public:
 
 private:
     bool start();
+    bool idleAlive();
     void end(bool kill);
     Result fail(bool timedOut);
 

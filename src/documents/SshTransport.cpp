@@ -201,11 +201,15 @@ HostTransport::FileInfo SshTransport::Stat(const QString& path) {
 std::vector<HostTransport::FileInfo> SshTransport::StatAll(const QStringList& paths) {
     // One find for all: the paths are absolute, so none reads as an expression; a missing one
     // only gives a complaint and no line.
-    const Outcome o = script(QStringLiteral("find -L \"$@\" -maxdepth 0 \\( -writable -printf w "
-                                            "-o -printf r \\) -printf ' %y %m %s %p\\0' "
-                                            "2>/dev/null\n"
-                                            "exit 0\n"),
-                             paths, {}, 60000, true);
+    // Writable as the permission bits say, also for root, whom access() lets write anything.
+    const Outcome o =
+        script(QStringLiteral("u=$(id -u)\n"
+                              "find -L \"$@\" -maxdepth 0 \\( -writable \\( -uid \"$u\" "
+                              "-perm -u=w -o ! -uid \"$u\" \\( -perm -g=w -o -perm "
+                              "-o=w \\) \\) -printf w -o -printf r \\) "
+                              "-printf ' %y %m %s %p\\0' 2>/dev/null\n"
+                              "exit 0\n"),
+               paths, {}, 60000, true);
     if (o.ExitCode != 0)
         fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't look at"), paths.value(0), o);
     QHash<QString, FileInfo> found;
