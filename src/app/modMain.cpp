@@ -126,8 +126,10 @@ bool Main(QApplication& app) {
             return true;
         }
 
-        if (state.Mode == ProcessState::StartMode::User)
+        if (state.Mode == ProcessState::StartMode::User) {
+            mvConnection::Instance().ShowWarnings(frame);
             CommandLine::Process(state.CommandLine);
+        }
 
         // After the command line, so that a client finds what it opened.
         startAutomation();

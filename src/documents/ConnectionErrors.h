@@ -18,5 +18,9 @@ constexpr int32_t Unrepresentable = static_cast<int32_t>(0x80049D14u);
 constexpr int32_t CommandsNotAllowed = static_cast<int32_t>(0x80049D20u);
 constexpr int32_t CommandFailed = static_cast<int32_t>(0x80049D21u);
 constexpr int32_t CommandTimedOut = static_cast<int32_t>(0x80049D22u);
+// A save found the item changed by someone else since it was read; nothing was written.
+constexpr int32_t ChangedOnHost = static_cast<int32_t>(0x80049D15u);
+// The connection ended while a write was under way: the item holds its old text or the new.
+constexpr int32_t ConnectionLost = static_cast<int32_t>(0x80049D16u);
 constexpr int32_t LockFailed = static_cast<int32_t>(0x80049D2Cu);
 } // namespace ConnectionErrors

@@ -54,7 +54,7 @@ QByteArray FileResource::readBytes() {
         throw BrixError(ConnectionErrors::NotAnItem,
                         QStringLiteral("%1 is a folder, not a file.").arg(FullName()));
     try {
-        return files_->ReadFile(FullName());
+        return files_->ReadStamped(FullName(), stamp_);
     } catch (const BrixError& e) {
         throw BrixError(e.Number,
                         QStringLiteral("The file could not be read. %1").arg(e.Description));
@@ -62,13 +62,21 @@ QByteArray FileResource::readBytes() {
 }
 
 void FileResource::writeBytes(const QByteArray& bytes) {
+    bool written = false;
+    HostTransport::Stamp stamp;
     try {
-        files_->WriteFile(FullName(), bytes);
+        written = files_->WriteUnchanged(FullName(), bytes, stamp_, stamp);
     } catch (const BrixError& e) {
         throw BrixError(e.Number,
                         QStringLiteral("%1 was not saved; the file on disk is unchanged. %2")
                             .arg(FullName(), e.Description));
     }
+    if (!written)
+        throw BrixError(ConnectionErrors::ChangedOnHost,
+                        QStringLiteral("%1 was changed on the host since you opened it; it was "
+                                       "not saved.")
+                            .arg(FullName()));
+    stamp_ = stamp;
 }
 
 void FileResource::checkWritable() const {

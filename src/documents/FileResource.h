@@ -1,11 +1,10 @@
 #pragma once
 
+#include "documents/HostTransport.h"
 #include "documents/ItemTextCodec.h"
 #include "documents/mvResource.h"
 
 #include <memory>
-
-class HostTransport;
 
 // A local file or folder (provider "file"). Text files are UTF-8 (or Latin-1, byte for
 // byte, when they aren't valid UTF-8) and keep their line ends. Local files take no
@@ -37,6 +36,7 @@ public:
     QByteArray ReadEditorText(int tabBlanks) override;
     void WriteEditorText(std::string_view text) override;
     void Commit() override {}
+    void AllowOverwrite() override { stamp_ = {}; }
 
     void SetLocked(bool locked) override { locked_ = locked; }
     bool Locked() const override { return locked_; }
@@ -58,4 +58,6 @@ private:
     ItemTextCodec codec_{false, ItemTextCodec::Charset::Utf8};
     bool readOnly_ = false;
     bool locked_ = false;
+    // The file as last read or written here.
+    HostTransport::Stamp stamp_;
 };

@@ -76,35 +76,50 @@ QString HostResource::HostDatabaseLabel() const {
     return database_.isEmpty() ? profile().DefaultAccount : database_;
 }
 
-bool HostResource::HashedFile() const {
-    if (fileFolder_.isEmpty())
-        return false;
-    HostTransport& files = *host_->Transport();
-    const HostTransport::FileInfo info = files.Stat(fileFolder_);
-    if (info.IsFile)
-        return true;
-    if (!info.IsFolder)
-        return false;
-    auto has = [&](const char* name) {
-        return files.Stat(fileFolder_ + QLatin1Char('/') + QLatin1String(name)).Exists;
-    };
+HostResource::Probe HostResource::probe() const {
     // UniVerse-style, QM's on Windows, and QM's on Linux (ScarletDME).
-    return has("DATA.30") || has("OVER.30") || has("%0") || has("%1") || has("~0") || has("~1");
+    static const char* const markers[] = {"DATA.30", "OVER.30", "%0", "%1", "~0", "~1"};
+    QStringList paths{fileFolder_};
+    if (!hashed_) {
+        for (const char* marker : markers)
+            paths << fileFolder_ + QLatin1Char('/') + QLatin1String(marker);
+    }
+    if (!itemFile_.isEmpty())
+        paths << itemFile_;
+    const std::vector<HostTransport::FileInfo> infos = host_->Transport()->StatAll(paths);
+    Probe found;
+    found.Folder = infos.front();
+    if (!itemFile_.isEmpty())
+        found.Item = infos.back();
+    if (hashed_) {
+        found.Hashed = *hashed_;
+        return found;
+    }
+    found.Hashed = found.Folder.IsFile;
+    for (size_t i = 1; found.Folder.IsFolder && i <= std::size(markers); ++i)
+        found.Hashed = found.Hashed || infos.at(i).Exists;
+    if (found.Folder.Exists)
+        hashed_ = found.Hashed;
+    return found;
+}
+
+bool HostResource::HashedFile() const {
+    return !fileFolder_.isEmpty() && probe().Hashed;
 }
 
 bool HostResource::IsItem() const {
-    if (itemFile_.isEmpty() || HashedFile())
+    if (itemFile_.isEmpty())
         return false;
-    return !host_->Transport()->Stat(itemFile_).IsFolder;
+    const Probe found = probe();
+    return !found.Hashed && !found.Item.IsFolder;
 }
 
 bool HostResource::Exists() const {
     HostTransport& files = *host_->Transport();
     if (!itemFile_.isEmpty()) {
         // An item of a hashed file can't be looked at here: the file stands for it.
-        if (HashedFile())
-            return files.Stat(fileFolder_).Exists;
-        return files.Stat(itemFile_).Exists;
+        const Probe found = probe();
+        return found.Hashed ? found.Folder.Exists : found.Item.Exists;
     }
     if (!fileFolder_.isEmpty())
         return files.Stat(fileFolder_).Exists;
@@ -118,12 +133,9 @@ bool HostResource::ReadOnly() const {
         return true;
     if (itemFile_.isEmpty())
         return false;
-    HostTransport& files = *host_->Transport();
-    const HostTransport::FileInfo info = files.Stat(itemFile_);
-    if (info.Exists)
-        return !info.Writable;
+    const Probe found = probe();
     // A new item can be written where its file's folder can.
-    return !files.Stat(fileFolder_).Writable;
+    return found.Item.Exists ? !found.Item.Writable : !found.Folder.Writable;
 }
 
 QByteArray HostResource::readBytes() {
@@ -132,7 +144,7 @@ QByteArray HostResource::readBytes() {
             ConnectionErrors::NotAnItem,
             QStringLiteral("%1 is a folder or file definition, not an item.").arg(DisplayID()));
     try {
-        return host_->Transport()->ReadFile(itemFile_);
+        return host_->Transport()->ReadStamped(itemFile_, stamp_);
     } catch (const BrixError& e) {
         throw BrixError(e.Number,
                         QStringLiteral("%1 could not be read. %2").arg(itemLabel(), e.Description));
@@ -140,23 +152,41 @@ QByteArray HostResource::readBytes() {
 }
 
 void HostResource::checkWritable() const {
-    if (!IsItem())
+    if (itemFile_.isEmpty())
         throw BrixError(
             ConnectionErrors::NotAnItem,
             QStringLiteral("%1 is a folder or file definition, not an item.").arg(DisplayID()));
-    if (ReadOnly())
+    const Probe found = probe();
+    if (found.Hashed || found.Item.IsFolder)
+        throw BrixError(
+            ConnectionErrors::NotAnItem,
+            QStringLiteral("%1 is a folder or file definition, not an item.").arg(DisplayID()));
+    if (readOnly_ || (found.Item.Exists ? !found.Item.Writable : !found.Folder.Writable))
         throw BrixError(BrixErrors::CannotWrite,
                         QStringLiteral("%1 can't be written: it is read-only.").arg(itemLabel()));
 }
 
 void HostResource::writeBytes(const QByteArray& bytes) {
+    bool written = false;
+    HostTransport::Stamp stamp;
     try {
-        host_->Transport()->WriteFile(itemFile_, bytes);
+        written = host_->Transport()->WriteUnchanged(itemFile_, bytes, stamp_, stamp);
     } catch (const BrixError& e) {
+        if (e.Number == ConnectionErrors::ConnectionLost)
+            throw BrixError(e.Number, QStringLiteral("%1 may not have been saved. %2 Your text "
+                                                     "stays here; save it again once the host "
+                                                     "can be reached.")
+                                          .arg(itemLabel(), e.Description));
         throw BrixError(e.Number,
                         QStringLiteral("%1 was not saved; the item on the host is unchanged. %2")
                             .arg(itemLabel(), e.Description));
     }
+    if (!written)
+        throw BrixError(ConnectionErrors::ChangedOnHost,
+                        QStringLiteral("%1 was changed on the host since you opened it; it was "
+                                       "not saved.")
+                            .arg(itemLabel()));
+    stamp_ = stamp;
 }
 
 QString HostResource::ReadText() {
@@ -213,21 +243,30 @@ std::vector<mvResource::Child> HostResource::Children() {
         return children;
     }
     if (folder_.isEmpty()) {
+        // Which folders are hashed files, all looked at in one call.
+        QStringList markers;
         for (const auto& entry : files.List(accountFolder_)) {
             if (entry.Name.startsWith(QLatin1Char('.')) || isOurs(entry.Name))
                 continue;
             const QString name = names_.FromFileName(entry.Name);
             if (name.isEmpty())
                 continue;
-            bool directoryFile = entry.IsFolder;
-            if (directoryFile) {
+            children.push_back({name, entry.IsFolder, false});
+            if (entry.IsFolder) {
                 const QString path =
                     accountFolder_ + QLatin1Char('/') + entry.Name + QLatin1Char('/');
-                directoryFile = !files.Stat(path + QStringLiteral("DATA.30")).Exists &&
-                                !files.Stat(path + QStringLiteral("%0")).Exists &&
-                                !files.Stat(path + QStringLiteral("~0")).Exists;
+                markers << path + QStringLiteral("DATA.30") << path + QStringLiteral("%0")
+                        << path + QStringLiteral("~0");
             }
-            children.push_back({name, directoryFile, false});
+        }
+        const std::vector<HostTransport::FileInfo> found =
+            markers.isEmpty() ? std::vector<HostTransport::FileInfo>() : files.StatAll(markers);
+        size_t next = 0;
+        for (Child& child : children) {
+            if (!child.Container)
+                continue;
+            for (int i = 0; i < 3; ++i, ++next)
+                child.Container = child.Container && !found.at(next).Exists;
         }
     } else if (item_.isEmpty() && !HashedFile()) {
         for (const auto& entry : files.List(fileFolder_)) {

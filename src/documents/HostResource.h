@@ -1,10 +1,12 @@
 #pragma once
 
+#include "documents/HostTransport.h"
 #include "documents/ItemIdCodec.h"
 #include "documents/ItemTextCodec.h"
 #include "documents/mvResource.h"
 
 #include <memory>
+#include <optional>
 
 class ItemLock;
 struct HostProfile;
@@ -43,6 +45,7 @@ public:
     QByteArray ReadEditorText(int tabBlanks) override;
     void WriteEditorText(std::string_view text) override;
     void Commit() override {}
+    void AllowOverwrite() override { stamp_ = {}; }
 
     void SetLocked(bool locked) override;
     bool Locked() const override;
@@ -58,6 +61,13 @@ public:
     bool HashedFile() const;
 
 private:
+    struct Probe {
+        bool Hashed = false;
+        HostTransport::FileInfo Folder;
+        HostTransport::FileInfo Item;
+    };
+    // The file's folder and the item, looked at in one call.
+    Probe probe() const;
     QByteArray readBytes();
     void writeBytes(const QByteArray& bytes);
     void checkWritable() const;
@@ -71,4 +81,8 @@ private:
     ItemTextCodec codec_;
     std::unique_ptr<ItemLock> lock_;
     bool readOnly_ = false;
+    // A file doesn't turn from directory type to hashed while it is open.
+    mutable std::optional<bool> hashed_;
+    // The item as last read or written here.
+    HostTransport::Stamp stamp_;
 };

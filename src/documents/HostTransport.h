@@ -33,6 +33,8 @@ public:
 
     // A missing path is no error: Exists is false.
     virtual FileInfo Stat(const QString& path) = 0;
+    // Stat of each path, in one go where the transport can.
+    virtual std::vector<FileInfo> StatAll(const QStringList& paths);
     // The entries of a folder, without "." and "..".
     virtual std::vector<Entry> List(const QString& folder) = 0;
     virtual QByteArray ReadFile(const QString& path) = 0;
@@ -51,6 +53,25 @@ public:
     // CommandTimeout() is stopped and raises ConnectionErrors::CommandTimedOut.
     virtual QByteArray Run(const QStringList& command, const QString& workingFolder,
                            int& exitCode) = 0;
+
+    // What a file held when it was read or written, to tell later whether someone else has
+    // changed it since: its size and modification time there, and a hash of its bytes.
+    struct Stamp {
+        bool Known = false;
+        qint64 Size = -1;
+        // As the machine gives it, to compare only with another of the same transport.
+        QByteArray Time;
+        QByteArray Hash;
+
+        static QByteArray HashOf(const QByteArray& bytes);
+    };
+    // ReadFile, and the file's stamp.
+    virtual QByteArray ReadStamped(const QString& path, Stamp& stamp);
+    // WriteFile, unless `expected` is Known and the file no longer matches it (or is gone):
+    // then nothing is written and the answer is false. Other size or time with the same
+    // bytes is no change. `written` is the stamp of the file as written.
+    virtual bool WriteUnchanged(const QString& path, const QByteArray& bytes, const Stamp& expected,
+                                Stamp& written);
 
     void SetCommandTimeout(int milliseconds) { commandTimeout_ = milliseconds; }
     int CommandTimeout() const { return commandTimeout_; }

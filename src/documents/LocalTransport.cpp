@@ -132,6 +132,11 @@ void syncFolder(const QString& folder) {
     }
 }
 
+QByteArray timeOf(const struct stat& st) {
+    return QByteArray::number(static_cast<qint64>(st.st_mtim.tv_sec)) + '.' +
+           QByteArray::number(static_cast<qint64>(st.st_mtim.tv_nsec));
+}
+
 } // namespace
 
 HostTransport::FileInfo LocalTransport::Stat(const QString& path) {
@@ -196,6 +201,32 @@ QByteArray LocalTransport::ReadFile(const QString& path) {
     }
     ::close(fd);
     return bytes;
+}
+
+QByteArray LocalTransport::ReadStamped(const QString& path, Stamp& stamp) {
+    struct stat before {};
+    const bool known = ::stat(native(path).constData(), &before) == 0;
+    QByteArray bytes = ReadFile(path);
+    stamp = {known, before.st_size, timeOf(before), Stamp::HashOf(bytes)};
+    return bytes;
+}
+
+bool LocalTransport::WriteUnchanged(const QString& path, const QByteArray& bytes,
+                                    const Stamp& expected, Stamp& written) {
+    if (expected.Known) {
+        struct stat now {};
+        if (::stat(native(path).constData(), &now) != 0)
+            return false;
+        // Size and time as read: unchanged without reading it again.
+        if ((now.st_size != expected.Size || timeOf(now) != expected.Time) &&
+            Stamp::HashOf(ReadFile(path)) != expected.Hash)
+            return false;
+    }
+    WriteFile(path, bytes);
+    struct stat after {};
+    ::stat(native(path).constData(), &after);
+    written = {true, after.st_size, timeOf(after), Stamp::HashOf(bytes)};
+    return true;
 }
 
 void LocalTransport::WriteFile(const QString& path, const QByteArray& bytes) {

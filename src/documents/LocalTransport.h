@@ -14,6 +14,9 @@ public:
     bool Rename(const QString& from, const QString& to) override;
     void Remove(const QString& path) override;
     void MakeFolder(const QString& path) override;
+    QByteArray ReadStamped(const QString& path, Stamp& stamp) override;
+    bool WriteUnchanged(const QString& path, const QByteArray& bytes, const Stamp& expected,
+                        Stamp& written) override;
     QByteArray Run(const QStringList& command, const QString& workingFolder,
                    int& exitCode) override;
 };

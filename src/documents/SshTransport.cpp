@@ -1,9 +1,11 @@
 #include "documents/SshTransport.h"
 
 #include "documents/ConnectionErrors.h"
+#include "documents/SshSession.h"
 
 #include <QDir>
 #include <QFile>
+#include <QHash>
 #include <QProcess>
 #include <unistd.h>
 
@@ -15,7 +17,7 @@ const QString kPrologue = QStringLiteral("export LC_ALL=C\n");
 // A temporary file beside the target; a save that died half way leaves one, which the next
 // save in that folder removes once it is an hour old.
 const QString kTemporary = QStringLiteral(
-    "d=$(dirname -- \"$p\")\n"
+    "d=${p%/*}\n"
     "find \"$d\" -maxdepth 1 -type f -name '.brix-save-*' -mmin +60 -exec rm -f {} + "
     "2>/dev/null\n"
     "t=$d/.brix-save-$$-$(date +%s%N)\n"
@@ -71,7 +73,7 @@ QString SshTransport::controlPath() const {
     return controlPath_;
 }
 
-QStringList SshTransport::SshCommand(const QString& remote) const {
+QStringList SshTransport::sshArguments() const {
     QStringList command{QStringLiteral("ssh")};
     if (!target_.ConfigFile.isEmpty())
         command << QStringLiteral("-F") << target_.ConfigFile;
@@ -88,18 +90,52 @@ QStringList SshTransport::SshCommand(const QString& remote) const {
         command << QStringLiteral("-l") << target_.User;
     if (!target_.IdentityFile.isEmpty())
         command << QStringLiteral("-i") << target_.IdentityFile;
-    command << QStringLiteral("--") << target_.Host << remote;
+    command << QStringLiteral("--") << target_.Host;
     return command;
 }
 
+QStringList SshTransport::SshCommand(const QString& remote) const {
+    return sshArguments() << remote;
+}
+
 SshTransport::Outcome SshTransport::script(const QString& text, const QStringList& args,
-                                           const QByteArray& input, int timeout) {
+                                           const QByteArray& input, int timeout, bool repeatable) {
     if (target_.Host.isEmpty())
         throw BrixError(ConnectionErrors::UnknownServer,
                         QStringLiteral("The connection has no Host to reach over ssh."));
-    QString remote = QStringLiteral("sh -c ") + Quote(kPrologue + text) + QStringLiteral(" brix");
+    QString words;
     for (const QString& arg : args)
-        remote += QLatin1Char(' ') + Quote(arg);
+        words += QLatin1Char(' ') + Quote(arg);
+    std::unique_lock<std::mutex> lock(sessionMutex_, std::try_to_lock);
+    if (!lock.owns_lock())
+        return oneShot(QStringLiteral("sh -c ") + Quote(kPrologue + text) +
+                           QStringLiteral(" brix") + words,
+                       input, timeout);
+    const QByteArray program =
+        (kPrologue + QStringLiteral("set --") + words + QLatin1Char('\n') + text).toLocal8Bit();
+    for (int attempt = 0;; ++attempt) {
+        if (!session_ || session_->Over())
+            session_ = std::make_unique<SshSession>(sshArguments());
+        const bool proven = session_->Proven();
+        SshSession::Reply reply;
+        switch (session_->Call(program, input, timeout, reply)) {
+        case SshSession::Result::Done:
+            return {reply.Out, reply.Err, reply.ExitCode};
+        case SshSession::Result::TimedOut:
+            throw BrixError(ConnectionErrors::CommandTimedOut,
+                            QStringLiteral("%1 did not answer within %2 seconds.")
+                                .arg(target_.Host)
+                                .arg(timeout / 1000));
+        case SshSession::Result::Broken:
+            if (repeatable && proven && attempt == 0)
+                continue;
+            connectionFailed({{}, session_->Diagnostics(), -1});
+        }
+    }
+}
+
+SshTransport::Outcome SshTransport::oneShot(const QString& remote, const QByteArray& input,
+                                            int timeout) {
     const QStringList command = SshCommand(remote);
     QProcess process;
     process.setProgram(command.first());
@@ -124,28 +160,30 @@ SshTransport::Outcome SshTransport::script(const QString& text, const QStringLis
     outcome.Out = process.readAllStandardOutput();
     outcome.Err = process.readAllStandardError();
     outcome.ExitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    if (outcome.ExitCode == 255 || outcome.ExitCode == -1) {
-        if (outcome.Err.contains("Host key verification failed") ||
-            outcome.Err.contains("HOST IDENTIFICATION HAS CHANGED"))
-            throw BrixError(
-                ConnectionErrors::ReadFailed,
-                QStringLiteral("The host key of %1 is unknown or has changed, so the connection "
-                               "was refused. To check the key and accept it, run \"%2\" once "
-                               "in a terminal.")
-                    .arg(
-                        target_.Host,
-                        QStringLiteral("ssh ") +
-                            (target_.Port > 0 ? QStringLiteral("-p %1 ").arg(target_.Port)
-                                              : QString()) +
-                            (target_.User.isEmpty() ? QString() : target_.User + QLatin1Char('@')) +
-                            target_.Host));
-        throw BrixError(ConnectionErrors::ReadFailed,
-                        QStringLiteral("The connection to %1 over ssh failed: %2")
-                            .arg(target_.Host, lastLine(outcome.Err).isEmpty()
-                                                   ? QStringLiteral("the ssh client ended.")
-                                                   : lastLine(outcome.Err)));
-    }
+    if (outcome.ExitCode == 255 || outcome.ExitCode == -1)
+        connectionFailed(outcome);
     return outcome;
+}
+
+void SshTransport::connectionFailed(const Outcome& outcome) const {
+    if (outcome.Err.contains("Host key verification failed") ||
+        outcome.Err.contains("HOST IDENTIFICATION HAS CHANGED"))
+        throw BrixError(
+            ConnectionErrors::ReadFailed,
+            QStringLiteral("The host key of %1 is unknown or has changed, so the connection "
+                           "was refused. To check the key and accept it, run \"%2\" once "
+                           "in a terminal.")
+                .arg(target_.Host,
+                     QStringLiteral("ssh ") +
+                         (target_.Port > 0 ? QStringLiteral("-p %1 ").arg(target_.Port)
+                                           : QString()) +
+                         (target_.User.isEmpty() ? QString() : target_.User + QLatin1Char('@')) +
+                         target_.Host));
+    throw BrixError(ConnectionErrors::ReadFailed,
+                    QStringLiteral("The connection to %1 over ssh failed: %2")
+                        .arg(target_.Host, lastLine(outcome.Err).isEmpty()
+                                               ? QStringLiteral("the ssh client ended.")
+                                               : lastLine(outcome.Err)));
 }
 
 void SshTransport::fail(int32_t number, const QString& what, const QString& path,
@@ -157,36 +195,51 @@ void SshTransport::fail(int32_t number, const QString& what, const QString& path
 }
 
 HostTransport::FileInfo SshTransport::Stat(const QString& path) {
-    const Outcome o = script(QStringLiteral("if [ -e \"$1\" ]; then\n"
-                                            "  stat -L -c '%f %s' -- \"$1\" || exit 3\n"
-                                            "  if [ -w \"$1\" ]; then echo w; else echo r; fi\n"
-                                            "else echo none; fi\n"),
-                             {path});
+    return StatAll({path}).front();
+}
+
+std::vector<HostTransport::FileInfo> SshTransport::StatAll(const QStringList& paths) {
+    // One find for all: the paths are absolute, so none reads as an expression; a missing one
+    // only gives a complaint and no line.
+    // Writable as the permission bits say, also for root, whom access() lets write anything.
+    const Outcome o =
+        script(QStringLiteral("u=$(id -u)\n"
+                              "find -L \"$@\" -maxdepth 0 \\( -writable \\( -uid \"$u\" "
+                              "-perm -u=w -o ! -uid \"$u\" \\( -perm -g=w -o -perm "
+                              "-o=w \\) \\) -printf w -o -printf r \\) "
+                              "-printf ' %y %m %s %p\\0' 2>/dev/null\n"
+                              "exit 0\n"),
+               paths, {}, 60000, true);
     if (o.ExitCode != 0)
-        fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't look at"), path, o);
-    FileInfo info;
-    const QList<QByteArray> lines = o.Out.split('\n');
-    if (lines.value(0) == "none")
-        return info;
-    const QList<QByteArray> words = lines.value(0).split(' ');
-    bool ok = false;
-    const unsigned mode = words.value(0).toUInt(&ok, 16);
-    if (!ok || words.size() != 2)
-        fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't look at"), path, o);
-    info.Exists = true;
-    info.IsFolder = (mode & 0170000) == 0040000;
-    info.IsFile = (mode & 0170000) == 0100000;
-    info.Mode = mode & 07777;
-    info.Size = words.value(1).toLongLong();
-    info.Writable = lines.value(1) == "w";
-    return info;
+        fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't look at"), paths.value(0), o);
+    QHash<QString, FileInfo> found;
+    for (const QByteArray& record : o.Out.split('\0')) {
+        // "w f 644 1234 /path"
+        const QList<QByteArray> words = record.split(' ');
+        if (words.size() < 5)
+            continue;
+        FileInfo info;
+        info.Exists = true;
+        info.Writable = words.at(0) == "w";
+        info.IsFolder = words.at(1) == "d";
+        info.IsFile = words.at(1) == "f";
+        info.Mode = words.at(2).toUInt(nullptr, 8);
+        info.Size = words.at(3).toLongLong();
+        found.insert(QFile::decodeName(record.mid(words.at(0).size() + words.at(1).size() +
+                                                  words.at(2).size() + words.at(3).size() + 4)),
+                     info);
+    }
+    std::vector<FileInfo> infos;
+    for (const QString& path : paths)
+        infos.push_back(found.value(path));
+    return infos;
 }
 
 std::vector<HostTransport::Entry> SshTransport::List(const QString& folder) {
     const Outcome o =
         script(QStringLiteral("cd -- \"$1\" && "
                               "find -L . -mindepth 1 -maxdepth 1 -printf '%y%P\\0'\n"),
-               {folder});
+               {folder}, {}, 60000, true);
     if (o.ExitCode != 0)
         fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't list the folder"), folder, o);
     std::vector<Entry> entries;
@@ -199,18 +252,55 @@ std::vector<HostTransport::Entry> SshTransport::List(const QString& folder) {
 }
 
 QByteArray SshTransport::ReadFile(const QString& path) {
-    const Outcome o = script(QStringLiteral("exec cat -- \"$1\"\n"), {path});
+    const Outcome o = script(QStringLiteral("exec cat -- \"$1\"\n"), {path}, {}, 60000, true);
     if (o.ExitCode != 0)
         fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't read"), path, o);
     return o.Out;
 }
 
+QByteArray SshTransport::ReadStamped(const QString& path, Stamp& stamp) {
+    // The stamp first: a change between the two shows later as other bytes than these.
+    const Outcome o =
+        script(QStringLiteral("s=$(find -L \"$1\" -maxdepth 0 -printf '%s %T@' 2>/dev/null)\n"
+                              "echo \"${s:--}\"\n"
+                              "exec cat -- \"$1\"\n"),
+               {path}, {}, 60000, true);
+    const qsizetype cut = o.Out.indexOf('\n');
+    if (o.ExitCode != 0 || cut < 0)
+        fail(ConnectionErrors::ReadFailed, QStringLiteral("Can't read"), path, o);
+    const QList<QByteArray> words = o.Out.left(cut).split(' ');
+    QByteArray bytes = o.Out.mid(cut + 1);
+    stamp = {true, words.value(0).toLongLong(), words.value(1), Stamp::HashOf(bytes)};
+    return bytes;
+}
+
 void SshTransport::WriteFile(const QString& path, const QByteArray& bytes) {
+    Stamp written;
+    write(path, bytes, {}, written);
+}
+
+bool SshTransport::WriteUnchanged(const QString& path, const QByteArray& bytes,
+                                  const Stamp& expected, Stamp& written) {
+    return write(path, bytes, expected, written);
+}
+
+// One run checks the item against the stamp, writes it aside, moves it into place and
+// tells its new size and time.
+bool SshTransport::write(const QString& path, const QByteArray& bytes, const Stamp& expected,
+                         Stamp& written) {
     Outcome o;
     try {
         o = script(
             QStringLiteral("p=$1; n=$2\n"
-                           "if [ -d \"$p\" ]; then echo 'Is a directory' >&2; exit 1; fi\n") +
+                           "if [ -d \"$p\" ]; then echo 'Is a directory' >&2; exit 1; fi\n"
+                           "if [ -n \"$5\" ]; then\n"
+                           "  s=$(find -L \"$p\" -maxdepth 0 -printf '%s %T@' 2>/dev/null)\n"
+                           "  if [ \"$s\" != \"$3 $4\" ] &&\n"
+                           "     [ \"$(sha1sum < \"$p\" 2>/dev/null | cut -c1-40)\" != \"$5\" ]; "
+                           "then\n"
+                           "    echo changed; exit 0\n"
+                           "  fi\n"
+                           "fi\n") +
                 kTemporary +
                 QStringLiteral(
                     "if [ -e \"$p\" ]; then\n"
@@ -218,14 +308,27 @@ void SshTransport::WriteFile(const QString& path, const QByteArray& bytes) {
                     "  chmod --reference=\"$p\" -- \"$t\" || { rm -f -- \"$t\"; exit 1; }\n"
                     "fi\n"
                     "sync -- \"$t\" 2>/dev/null\n"
-                    "mv -f -T -- \"$t\" \"$p\" || { rm -f -- \"$t\"; exit 1; }\n"),
-            {path, QString::number(bytes.size())}, bytes);
+                    "mv -f -T -- \"$t\" \"$p\" || { rm -f -- \"$t\"; exit 1; }\n"
+                    "find \"$p\" -maxdepth 0 -printf 'written %s %T@\\n'\n"),
+            {path, QString::number(bytes.size()),
+             expected.Known ? QString::number(expected.Size) : QString(),
+             QString::fromLatin1(expected.Time),
+             expected.Known ? QString::fromLatin1(expected.Hash) : QString()},
+            bytes);
     } catch (const BrixError& e) {
-        throw BrixError(ConnectionErrors::WriteFailed, e.Description);
+        // The text goes aside and is moved into place whole, so it is there whole or not at all.
+        throw BrixError(ConnectionErrors::ConnectionLost,
+                        e.Description + QStringLiteral(" The item on the host holds either its "
+                                                       "old text or all of the new one."));
     }
     if (o.ExitCode != 0)
         fail(isPermissionError(o.Err) ? BrixErrors::CannotWrite : ConnectionErrors::WriteFailed,
              QStringLiteral("Can't write"), path, o);
+    if (o.Out.startsWith("changed"))
+        return false;
+    const QList<QByteArray> words = o.Out.trimmed().split(' ');
+    written = {true, words.value(1).toLongLong(), words.value(2), Stamp::HashOf(bytes)};
+    return true;
 }
 
 bool SshTransport::CreateExclusive(const QString& path, const QByteArray& bytes) {

@@ -2,6 +2,11 @@
 
 #include "documents/HostTransport.h"
 
+#include <memory>
+#include <mutex>
+
+class SshSession;
+
 // The host's files on another machine, through the system's OpenSSH client. Every call is
 // one `ssh` run over a connection shared per host (ControlMaster), so the user's own ssh
 // configuration, keys, agent and known hosts apply, and only the first call pays for the
@@ -32,6 +37,10 @@ public:
     void MakeFolder(const QString& path) override;
     QByteArray Run(const QStringList& command, const QString& workingFolder,
                    int& exitCode) override;
+    QByteArray ReadStamped(const QString& path, Stamp& stamp) override;
+    bool WriteUnchanged(const QString& path, const QByteArray& bytes, const Stamp& expected,
+                        Stamp& written) override;
+    std::vector<FileInfo> StatAll(const QStringList& paths) override;
 
     // One word for a POSIX shell: the text exactly, whatever characters it holds.
     static QString Quote(const QString& word);
@@ -45,8 +54,16 @@ private:
         int ExitCode = -1;
     };
     // Runs `script` under sh on the host with the arguments; raises on a failed connection.
+    // A `repeatable` script (one that changes nothing) is run again once on a fresh session
+    // when a session that had worked turns out to be gone.
     Outcome script(const QString& script, const QStringList& args, const QByteArray& input = {},
-                   int timeout = 60000);
+                   int timeout = 60000, bool repeatable = false);
+    // The same through an ssh run of its own, for a call while the session is busy.
+    Outcome oneShot(const QString& remote, const QByteArray& input, int timeout);
+    // Raises the connection's error for a run that ended with ssh's own failure.
+    [[noreturn]] void connectionFailed(const Outcome& outcome) const;
+    QStringList sshArguments() const;
+    bool write(const QString& path, const QByteArray& bytes, const Stamp& expected, Stamp& written);
     [[noreturn]] void fail(int32_t number, const QString& what, const QString& path,
                            const Outcome& outcome) const;
     QString controlPath() const;
@@ -58,4 +75,6 @@ public:
 private:
     Target target_;
     QString controlPath_;
+    std::mutex sessionMutex_;
+    std::unique_ptr<SshSession> session_;
 };

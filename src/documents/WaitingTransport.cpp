@@ -51,3 +51,22 @@ QByteArray WaitingTransport::Run(const QStringList& command, const QString& work
     HostCallWaiter::Run([&] { output = inner_->Run(command, workingFolder, exitCode); });
     return output;
 }
+
+QByteArray WaitingTransport::ReadStamped(const QString& path, Stamp& stamp) {
+    QByteArray bytes;
+    HostCallWaiter::Run([&] { bytes = inner_->ReadStamped(path, stamp); });
+    return bytes;
+}
+
+bool WaitingTransport::WriteUnchanged(const QString& path, const QByteArray& bytes,
+                                      const Stamp& expected, Stamp& written) {
+    bool done = false;
+    HostCallWaiter::Run([&] { done = inner_->WriteUnchanged(path, bytes, expected, written); });
+    return done;
+}
+
+std::vector<HostTransport::FileInfo> WaitingTransport::StatAll(const QStringList& paths) {
+    std::vector<FileInfo> infos;
+    HostCallWaiter::Run([&] { infos = inner_->StatAll(paths); });
+    return infos;
+}

@@ -12,6 +12,7 @@ public:
 
     QString Place() const override { return inner_->Place(); }
     FileInfo Stat(const QString& path) override;
+    std::vector<FileInfo> StatAll(const QStringList& paths) override;
     std::vector<Entry> List(const QString& folder) override;
     QByteArray ReadFile(const QString& path) override;
     void WriteFile(const QString& path, const QByteArray& bytes) override;
@@ -19,6 +20,9 @@ public:
     bool Rename(const QString& from, const QString& to) override;
     void Remove(const QString& path) override;
     void MakeFolder(const QString& path) override;
+    QByteArray ReadStamped(const QString& path, Stamp& stamp) override;
+    bool WriteUnchanged(const QString& path, const QByteArray& bytes, const Stamp& expected,
+                        Stamp& written) override;
     QByteArray Run(const QStringList& command, const QString& workingFolder,
                    int& exitCode) override;
 

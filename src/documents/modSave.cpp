@@ -2,6 +2,7 @@
 
 #include "app/ProcessState.h"
 #include "documents/BusyPointer.h"
+#include "documents/ConnectionErrors.h"
 #include "documents/DocumentCollection.h"
 #include "documents/DocumentSteps.h"
 #include "documents/clsDocView.h"
@@ -47,15 +48,33 @@ using namespace DocumentSteps;
 // The document's own members of saving and closing: the overwrite questions, the lock
 // that moves with Save As, the question about unsaved changes.
 
-void mvDocument::writeToResource() {
+bool mvDocument::writeToResource() {
     SetStatus(QStringLiteral("Saving document to host"));
     {
         const modAutoRecover::Suspension suspended;
         EnsureView();
-        resource_->WriteEditorText(Buffer()->AllBytes());
+        try {
+            resource_->WriteEditorText(Buffer()->AllBytes());
+        } catch (const BrixError& error) {
+            if (error.Number != ConnectionErrors::ChangedOnHost)
+                throw;
+            // Someone else's editor or program wrote it: theirs is lost only when the user says so.
+            if (Ask(DisplayName() +
+                        QStringLiteral(" was changed on the host since you opened it, by "
+                                       "another user or program.\n\nReplace it with your "
+                                       "text? Their changes will be lost. Choose No to leave "
+                                       "the host's text as it is and keep yours unsaved here."),
+                    MsgBox::YesNo | MsgBox::DefaultButton2) != MsgBox::Yes) {
+                SetStatus(QString());
+                return false;
+            }
+            resource_->AllowOverwrite();
+            resource_->WriteEditorText(Buffer()->AllBytes());
+        }
         resource_->Commit();
     }
     SetStatus(QString());
+    return true;
 }
 
 bool mvDocument::FileSave() {
@@ -71,7 +90,8 @@ bool mvDocument::FileSave() {
     EnsureView();
     BusyPointer busy;
     try {
-        writeToResource();
+        if (!writeToResource())
+            return false;
         TakeHostContext(*resource_);
         SetDirty(false);
         UpdateCommands();
@@ -164,7 +184,8 @@ bool mvDocument::SaveToResource(std::shared_ptr<mvResource> target) {
             resource_.reset();
         }
         resource_ = std::move(target);
-        writeToResource();
+        if (!writeToResource())
+            return false;
         SetDirty(false);
         labels_.reset();
         View()->SetTitle(TitleText());

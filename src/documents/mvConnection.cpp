@@ -9,6 +9,9 @@
 #include "documents/frmBrowse.h"
 #include "documents/mvHost.h"
 
+#include "support/MsgBoxEx.h"
+#include "support/ShowError.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -26,6 +29,19 @@ void mvConnection::LoadProfiles(const QString& file) {
     profileCopies_.clear();
     transports_.clear();
     initialized_ = true;
+    warningsShown_ = false;
+}
+
+void mvConnection::ShowWarnings(QWidget* owner) {
+    const QStringList warnings = Profiles().Warnings;
+    if (warningsShown_ || warnings.isEmpty())
+        return;
+    warningsShown_ = true;
+    BrixMessage(QStringLiteral("The connections file %1 has problems:\n\n%2\n\n"
+                               "Correct the file and start the program again.")
+                    .arg(ConnectionProfiles::DefaultFile(),
+                         QStringLiteral("- ") + warnings.join(QStringLiteral("\n- "))),
+                MsgBox::Exclamation, owner);
 }
 
 const ConnectionProfiles& mvConnection::Profiles() {

@@ -27,6 +27,9 @@ public:
     // Reads the profiles again from the given connections file (tests, or after an edit).
     void LoadProfiles(const QString& file);
     const ConnectionProfiles& Profiles();
+    // Tells the user once, in a message box, what is wrong in the connections file as last
+    // read; later calls show nothing until the file is read again.
+    void ShowWarnings(QWidget* owner = nullptr);
 
     // With readOnly false and recordLocking true, takes the item's lock: an item locked by
     // someone else raises BrixErrors::LockedByOther, an item that can't be written
@@ -62,6 +65,7 @@ private:
     std::shared_ptr<HostTransport> transportFor(const HostProfile& profile);
 
     bool initialized_ = false;
+    bool warningsShown_ = false;
     ConnectionProfiles profiles_;
     std::map<QString, std::shared_ptr<const HostProfile>> profileCopies_;
     std::map<QString, std::shared_ptr<HostTransport>> transports_;

@@ -144,7 +144,8 @@ private:
     void countIn();
     void countOut();
     // The editor's text to the resource, with the status line and auto-recover held off.
-    void writeToResource();
+    // False when the user chose not to overwrite a change made on the host meanwhile.
+    bool writeToResource();
     // A new operation on the editor, made first if need be; null without one.
     template <typename Op> std::unique_ptr<Op> newOperation();
     // Marks the editor's lines that a compiler's output names, until the next compile.

@@ -43,6 +43,9 @@ public:
     virtual QByteArray ReadEditorText(int tabBlanks) = 0;
     virtual void WriteEditorText(std::string_view text) = 0;
     virtual void Commit() = 0;
+    // A write refuses with ConnectionErrors::ChangedOnHost when someone else changed the item
+    // since it was read or written here; after this call the next write replaces it anyway.
+    virtual void AllowOverwrite() {}
 
     // True takes the lock and raises when it is refused; false drops it.
     virtual void SetLocked(bool locked) = 0;

@@ -89,7 +89,11 @@ SshServerFixture::SshServerFixture() : dir_(std::make_unique<QTemporaryDir>()) {
               QStringLiteral("ListenAddress 127.0.0.1\nPort %1\nHostKey %2/host_key\n"
                              "PidFile %2/sshd.pid\nAuthorizedKeysFile %2/authorized_keys\n"
                              "UsePAM no\nPasswordAuthentication no\n"
-                             "KbdInteractiveAuthentication no\nStrictModes no\n")
+                             "KbdInteractiveAuthentication no\nStrictModes no\n"
+                             // Bash runs ~/.bashrc for a command over ssh only in a top-level
+                             // shell: this machine's own start-up files stay out of the tests,
+                             // and a session killed by a test can't leave their locks behind.
+                             "SetEnv SHLVL=1\n")
                   .arg(port_)
                   .arg(d)
                   .toUtf8());

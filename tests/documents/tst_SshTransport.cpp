@@ -4,10 +4,12 @@
 #include "documents/ConnectionErrors.h"
 #include "documents/HostResource.h"
 #include "documents/ItemLock.h"
+#include "documents/LocalTransport.h"
 #include "documents/SshTransport.h"
 #include "documents/mvHost.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <sys/stat.h>
 
@@ -145,6 +147,40 @@ private slots:
         item.SetLocked(false);
     }
 
+    // What the host's files are, all looked at in one call, as this machine's own calls see
+    // them; also after the shared connection went away under a working session.
+    void statAllAgreesWithLocalFiles() {
+        QVERIFY(QDir().mkpath(path(QStringLiteral("folder"))));
+        const QStringList names{"folder", "own 0640", "read only", "two\nlines", "link", "none"};
+        for (const QString& name : names.mid(1, 3))
+            ssh_->WriteFile(path(name), name.toUtf8());
+        QVERIFY(::chmod(QFile::encodeName(path(names[1])).constData(), 0640) == 0);
+        QVERIFY(::chmod(QFile::encodeName(path(names[2])).constData(), 0444) == 0);
+        QVERIFY(QFile::link(path(names[1]), path(QStringLiteral("link"))));
+        QStringList paths;
+        for (const QString& name : names)
+            paths << path(name);
+        for (int round = 0; round < 2; ++round) {
+            const auto remote = ssh_->StatAll(paths);
+            const auto local = LocalTransport().StatAll(paths);
+            for (qsizetype i = 0; i < paths.size(); ++i) {
+                const auto& r = remote.at(static_cast<size_t>(i));
+                const auto& l = local.at(static_cast<size_t>(i));
+                QVERIFY2(r.Exists == l.Exists && r.IsFolder == l.IsFolder && r.IsFile == l.IsFile &&
+                             r.Writable == l.Writable && r.Mode == l.Mode &&
+                             (r.Size == l.Size || l.IsFolder),
+                         qPrintable(names.at(i)));
+            }
+            // The master connection ends: the next call starts afresh by itself.
+            QProcess::execute(QStringLiteral("ssh"),
+                              {QStringLiteral("-F"), server_->ClientConfig(), QStringLiteral("-o"),
+                               QStringLiteral("ControlPath=") + ssh_->ControlPath(),
+                               QStringLiteral("-p"), QString::number(server_->Port()),
+                               QStringLiteral("-O"), QStringLiteral("exit"),
+                               QStringLiteral("127.0.0.1")});
+        }
+    }
+
     void unknownHostKeyIsRefused() {
         SshTransport stranger(server_->Target(false));
         try {
@@ -165,7 +201,7 @@ private slots:
             ssh_->WriteFile(file, "new");
             QFAIL("a write without a connection succeeded");
         } catch (const BrixError& e) {
-            QCOMPARE(e.Number, ConnectionErrors::WriteFailed);
+            QCOMPARE(e.Number, ConnectionErrors::ConnectionLost);
         }
         QCOMPARE(disk(file), QByteArray("old"));
     }

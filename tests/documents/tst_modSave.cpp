@@ -1,4 +1,6 @@
 #include "DocumentSession.h"
+#include "FileTestSupport.h"
+#include "SshServerFixture.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
@@ -89,6 +91,24 @@ class tst_modSave : public QObject {
     }
     std::shared_ptr<mvResource> resource(const QString& path) {
         return mvConnection::Instance().GetResource(path, false, false);
+    }
+    // The test account again, reached over ssh to this machine as connection "remote"; a
+    // new server each time. Empty when no sshd can run.
+    std::unique_ptr<SshServerFixture> sshd;
+    QString overSsh(const QString& item) {
+        sshd = std::make_unique<SshServerFixture>();
+        if (!sshd->Started())
+            return {};
+        const QString file = account->ProfilesFile();
+        FileTestSupport::WriteFile(
+            file, FileTestSupport::ReadFile(file) +
+                      QStringLiteral("\n[remote]\nTransport=ssh\nHost=127.0.0.1\nPort=%1\n"
+                                     "SshConfig=%2\nAccountsFolder=%3\nDefaultAccount=DEMO\n")
+                          .arg(sshd->Port())
+                          .arg(sshd->ClientConfig(), account->Accounts())
+                          .toUtf8());
+        mvConnection::Instance().LoadProfiles(file);
+        return QStringLiteral("mvdb://remote/DEMO/BP/") + item;
     }
 
 public:
@@ -545,6 +565,113 @@ private Q_SLOTS:
         answers->Push({MsgBox::No, MsgBox::No, MsgBox::No});
         QVERIFY(frame->CloseAllDocuments());
         QCOMPARE(state().Documents->Count(), 0);
+    }
+
+    // Someone else's editor or program changed the item after it was opened here: the save
+    // asks before it replaces their text, and only then.
+    void changedOnTheHostAsks_data() {
+        QTest::addColumn<QString>("transport");
+        QTest::newRow("local file") << "file";
+        QTest::newRow("host on this machine") << "local";
+        QTest::newRow("host over ssh") << "ssh";
+    }
+    void changedOnTheHostAsks() {
+        QFETCH(QString, transport);
+        QString path = bp("HELLO");
+        QString disk = account->ItemFile("BP", "HELLO");
+        if (transport == "file") {
+            disk = account->LocalFolder() + QStringLiteral("/hello.bas");
+            FileTestSupport::WriteFile(disk, "END\n");
+            path = mvConnection::Instance().MakePath("file", {}, {}, account->LocalFolder(),
+                                                     QStringLiteral("hello.bas"));
+        } else if (transport == "ssh" && (path = overSsh("HELLO")).isEmpty()) {
+            QSKIP(qPrintable(sshd->Error()));
+        }
+        auto d = mvDocument::Create();
+        QVERIFY2(d->FileOpen(path, false), qPrintable(answers->Texts().join('\n')));
+        const auto type = [&](const char* text) {
+            d->Editor()->SetCursor(0, 0);
+            d->SetSelText(QString::fromLatin1(text));
+        };
+        // Twice in a row, then after a touch that changed no byte: nothing to ask.
+        type("* one\n");
+        QVERIFY(d->FileSave());
+        type("* two\n");
+        QVERIFY(d->FileSave());
+        QFile touched(disk);
+        QVERIFY(touched.open(QIODevice::ReadWrite));
+        QVERIFY(touched.setFileTime(QDateTime::currentDateTime().addSecs(3600),
+                                    QFileDevice::FileModificationTime));
+        touched.close();
+        type("* three\n");
+        QVERIFY(d->FileSave());
+        QCOMPARE(answers->Texts(), QStringList());
+
+        FileTestSupport::WriteFile(disk, "* theirs\n");
+        type("* mine\n");
+        const QString mine = d->Text();
+        answers->Push({MsgBox::No, MsgBox::Yes});
+        QVERIFY(!d->FileSave());
+        QCOMPARE(answers->Seen.size(), 1);
+        QVERIFY2(answers->Seen[0].Text.contains("changed on the host since you opened it"),
+                 qPrintable(answers->Seen[0].Text));
+        QVERIFY(d->IsDirty());
+        QCOMPARE(d->Text(), mine);
+        QCOMPARE(FileTestSupport::ReadFile(disk), QByteArray("* theirs\n"));
+        QVERIFY(d->FileSave());
+        QVERIFY(!d->IsDirty());
+        QVERIFY(FileTestSupport::ReadFile(disk).startsWith("* mine\n* three\n* two\n"));
+        type("* four\n");
+        QVERIFY(d->FileSave());
+        QCOMPARE(answers->Seen.size(), 2);
+    }
+
+    // The ssh connection dies at some moment of the save of a large item: the host keeps the
+    // old text or has all of the new, and a failed save leaves the document open, modified.
+    void connectionKilledDuringASave() {
+        const QByteArray versions[2] = {version(0), version(1)};
+        Settings().RecordLocking = false;
+        const int rounds = 6;
+        qint64 perSave = 0;
+        int failed = 0;
+        for (int round = -1; round < rounds; ++round) {
+            account->WriteItem("BP", "BIG", versions[0]);
+            const QString path = overSsh("BIG");
+            if (path.isEmpty())
+                QSKIP(qPrintable(sshd->Error()));
+            auto d = mvDocument::Create();
+            QVERIFY2(d->FileOpen(path, false), qPrintable(answers->Texts().join('\n')));
+            d->SetText(QString::fromLatin1(versions[1]));
+            const QString mine = d->Text();
+            // The first round measures a save; the others kill the server across its first half,
+            // where the text goes over.
+            QTimer killer;
+            killer.setSingleShot(true);
+            connect(&killer, &QTimer::timeout, this, [this] { sshd->Kill(); });
+            if (round >= 0)
+                killer.start(static_cast<int>(perSave * round / (2 * rounds)));
+            QElapsedTimer clock;
+            clock.start();
+            const int shown = answers->Seen.size();
+            const bool saved = d->FileSave();
+            perSave = round < 0 ? clock.elapsed() : perSave;
+            const QByteArray onHost = account->ReadItem("BP", "BIG");
+            QVERIFY2(
+                onHost == versions[0] || onHost == versions[1],
+                qPrintable(QStringLiteral("round %1: %2 bytes").arg(round).arg(onHost.size())));
+            if (!saved) {
+                ++failed;
+                QVERIFY(d->IsDirty());
+                QCOMPARE(d->Text(), mine);
+                QCOMPARE(answers->Seen.size(), shown + 1);
+                QVERIFY2(answers->Seen.last().Text.contains("ssh"),
+                         qPrintable(answers->Seen.last().Text));
+            }
+            QVERIFY(d->FileClose(false));
+        }
+        Settings().RecordLocking = true;
+        qInfo("server killed in %d saves (%lld ms each): %d failed", rounds, perSave, failed);
+        QVERIFY(failed > 0);
     }
 
     // Killing the process at any moment of a save leaves the old text or the new one, and

@@ -1,3 +1,4 @@
+#include "BoxAnswers.h"
 #include "FileTestSupport.h"
 #include "TestEnv.h"
 
@@ -132,8 +133,14 @@ private Q_SLOTS:
         QCOMPARE(remote.SshUser, QStringLiteral("alice"));
         QCOMPARE(remote.SshIdentityFile, QDir::homePath() + QStringLiteral("/.ssh/id_mv"));
         QCOMPARE(p.Find(QStringLiteral("nohost"))->SshPort, 0);
-        // No host, a bad port, an unknown transport: one warning each.
+        // No host, a bad port, an unknown transport: one warning each, told once.
         QCOMPARE(p.Warnings.size(), 3);
+        BoxAnswers boxes;
+        connection().ShowWarnings();
+        connection().ShowWarnings();
+        QCOMPARE(boxes.Seen.size(), 1);
+        for (const QString& warning : p.Warnings)
+            QVERIFY2(boxes.Seen.front().Text.contains(warning), qPrintable(warning));
     }
 
     // A newcomer's first path: the demo account through the default connection.
