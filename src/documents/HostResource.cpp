@@ -4,6 +4,7 @@
 #include "documents/HostProfile.h"
 #include "documents/HostTransport.h"
 #include "documents/ItemLock.h"
+#include "documents/QmLockKeeper.h"
 #include "documents/mvHost.h"
 #include "documents/mvPath.h"
 
@@ -44,7 +45,14 @@ HostResource::HostResource(std::shared_ptr<mvHost> host, QString server, QString
         itemFile_ = fileFolder_ + QLatin1Char('/') + names_.ToFileName(item_);
 }
 
-HostResource::~HostResource() = default;
+HostResource::~HostResource() {
+    if (qmLocked_)
+        host_->LockKeeper()->Unlock(qmItem());
+}
+
+QmLockKeeper::Item HostResource::qmItem() const {
+    return {accountFolder_, folder_, item_, itemLabel()};
+}
 
 const HostProfile& HostResource::profile() const {
     return *host_->Profile();
@@ -132,6 +140,8 @@ QByteArray HostResource::readBytes() {
             ConnectionErrors::NotAnItem,
             QStringLiteral("%1 is a folder or file definition, not an item.").arg(DisplayID()));
     try {
+        if (host_->LockKeeper())
+            return host_->LockKeeper()->Read(qmItem());
         return host_->Transport()->ReadFile(itemFile_);
     } catch (const BrixError& e) {
         throw BrixError(e.Number,
@@ -151,7 +161,10 @@ void HostResource::checkWritable() const {
 
 void HostResource::writeBytes(const QByteArray& bytes) {
     try {
-        host_->Transport()->WriteFile(itemFile_, bytes);
+        if (host_->LockKeeper())
+            host_->LockKeeper()->Write(qmItem(), bytes);
+        else
+            host_->Transport()->WriteFile(itemFile_, bytes);
     } catch (const BrixError& e) {
         throw BrixError(e.Number,
                         QStringLiteral("%1 was not saved; the item on the host is unchanged. %2")
@@ -184,6 +197,12 @@ void HostResource::SetLocked(bool locked) {
     }
     if (itemFile_.isEmpty())
         return;
+    if (host_->LockKeeper()) {
+        if (!qmLocked_)
+            host_->LockKeeper()->Lock(qmItem());
+        qmLocked_ = true;
+        return;
+    }
     if (!lock_)
         lock_ = std::make_unique<ItemLock>(host_->Transport(),
                                            accountFolder_ + QLatin1Char('/') + profile().LockFolder,
@@ -192,10 +211,14 @@ void HostResource::SetLocked(bool locked) {
 }
 
 bool HostResource::Locked() const {
-    return lock_ && lock_->Held();
+    return qmLocked_ || (lock_ && lock_->Held());
 }
 
 void HostResource::Release() {
+    if (qmLocked_) {
+        qmLocked_ = false;
+        host_->LockKeeper()->Unlock(qmItem());
+    }
     if (lock_)
         lock_->Release();
 }

@@ -2,6 +2,7 @@
 
 #include "documents/ItemIdCodec.h"
 #include "documents/ItemTextCodec.h"
+#include "documents/QmLockKeeper.h"
 #include "documents/mvResource.h"
 
 #include <memory>
@@ -63,6 +64,7 @@ private:
     void checkWritable() const;
     const HostProfile& profile() const;
     QString itemLabel() const;
+    QmLockKeeper::Item qmItem() const;
 
     std::shared_ptr<mvHost> host_;
     QString server_, database_, folder_, item_;
@@ -71,4 +73,6 @@ private:
     ItemTextCodec codec_;
     std::unique_ptr<ItemLock> lock_;
     bool readOnly_ = false;
+    // Holds a lock of the host's QM lock keeper (Locks=qm).
+    bool qmLocked_ = false;
 };

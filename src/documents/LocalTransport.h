@@ -16,4 +16,6 @@ public:
     void MakeFolder(const QString& path) override;
     QByteArray Run(const QStringList& command, const QString& workingFolder,
                    int& exitCode) override;
+    std::unique_ptr<PipeProcess> Start(const QStringList& command,
+                                       const QString& workingFolder) override;
 };

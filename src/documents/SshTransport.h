@@ -32,6 +32,8 @@ public:
     void MakeFolder(const QString& path) override;
     QByteArray Run(const QStringList& command, const QString& workingFolder,
                    int& exitCode) override;
+    std::unique_ptr<PipeProcess> Start(const QStringList& command,
+                                       const QString& workingFolder) override;
 
     // One word for a POSIX shell: the text exactly, whatever characters it holds.
     static QString Quote(const QString& word);

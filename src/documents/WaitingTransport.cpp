@@ -1,6 +1,7 @@
 #include "documents/WaitingTransport.h"
 
 #include "documents/HostCallWaiter.h"
+#include "documents/PipeProcess.h"
 
 HostTransport::FileInfo WaitingTransport::Stat(const QString& path) {
     FileInfo info;
@@ -50,4 +51,10 @@ QByteArray WaitingTransport::Run(const QStringList& command, const QString& work
     inner_->SetCommandTimeout(CommandTimeout());
     HostCallWaiter::Run([&] { output = inner_->Run(command, workingFolder, exitCode); });
     return output;
+}
+
+std::unique_ptr<PipeProcess> WaitingTransport::Start(const QStringList& command,
+                                                     const QString& workingFolder) {
+    // Starting waits for nothing; the conversation's own calls are the ones that wait.
+    return inner_->Start(command, workingFolder);
 }

@@ -21,6 +21,8 @@ public:
     void MakeFolder(const QString& path) override;
     QByteArray Run(const QStringList& command, const QString& workingFolder,
                    int& exitCode) override;
+    std::unique_ptr<PipeProcess> Start(const QStringList& command,
+                                       const QString& workingFolder) override;
 
 private:
     std::shared_ptr<HostTransport> inner_;
