@@ -138,12 +138,6 @@ void QmLockKeeper::Unlock(const Item& item) {
     }
 }
 
-bool QmLockKeeper::Holds(const Item& item) const {
-    const QMutexLocker lock(&mutex_);
-    const auto it = held_.find(key(item));
-    return it != held_.end() && it->second.Count > 0;
-}
-
 QByteArray QmLockKeeper::Read(const Item& item) {
     QByteArray record;
     HostCallWaiter::Run([&] {

@@ -42,7 +42,6 @@ public:
     void Lock(const Item& item);
     // Never raises: a session that has gone has let go already.
     void Unlock(const Item& item);
-    bool Holds(const Item& item) const;
     // The item's bytes as its OS file holds them.
     QByteArray Read(const Item& item);
     // Replaces the item whole: WRITEU while this process holds its lock (taking it again
