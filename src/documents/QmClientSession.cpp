@@ -18,6 +18,7 @@ enum : int16_t {
     kWrite = 16,
     kWriteU = 17,
     kExecute = 21,
+    kEndCommand = 23,
     kLocalLogin = 25,
     kMarkMapping = 46,
 };
@@ -141,5 +142,10 @@ QmClientSession::Reply QmClientSession::Release(int16_t file, const QByteArray& 
 }
 
 QmClientSession::Reply QmClientSession::Execute(const QByteArray& command) {
-    return call(kExecute, command);
+    Reply r = call(kExecute, command);
+    for (int tries = 0; r.Outcome == Prompt && tries < 10; ++tries)
+        r = call(kEndCommand, {});
+    if (r.Outcome == Prompt)
+        broken(QStringLiteral("a command of the account keeps asking for input."));
+    return r;
 }

@@ -18,7 +18,7 @@ class PipeProcess;
 class QmClientSession {
 public:
     // Server status of an answer.
-    enum Outcome : int16_t { Ok = 0, OnError = 1, Else = 2, Error = 3, Locked = 4 };
+    enum Outcome : int16_t { Ok = 0, OnError = 1, Else = 2, Error = 3, Locked = 4, Prompt = 5 };
     struct Reply {
         int16_t Outcome = Error;
         int32_t Status = 0;
@@ -46,7 +46,8 @@ public:
     // Keeps the lock when `keepLock`, as WRITEU does.
     Reply Write(int16_t file, const QByteArray& id, const QByteArray& record, bool keepLock);
     Reply Release(int16_t file, const QByteArray& id);
-    // A TCL command; its output with QM's field marks between lines.
+    // A TCL command; its output with QM's field marks between lines. A command that asks for
+    // input (the account's LOGIN paragraph may) is ended there: nobody is there to answer.
     Reply Execute(const QByteArray& command);
 
 private:

@@ -14,6 +14,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <csignal>
 
@@ -182,6 +183,32 @@ private Q_SLOTS:
         QCOMPARE(host.ReadItem(QStringLiteral("BP"), to), QByteArray("CRT 1\nEND\n"));
         doc->FileClose(false);
         QCOMPARE(tryLock(to), QByteArray("FREE CRT 1"));
+    }
+
+    // An account whose LOGIN paragraph asks for input: the session ends the question, nobody
+    // being there to answer, and works on.
+    void accountThatAsksAtLogin() {
+        QFETCH_GLOBAL(QString, server);
+        const QString account = QStringLiteral("ASKS");
+        if (!QFileInfo::exists(host.AccountsFolder() + QLatin1Char('/') + account)) {
+            QVERIFY(host.CreateAccount(account));
+            QCOMPARE(host.RunProgram(QStringLiteral("ASKING"),
+                                     "OPENPATH '" + host.AccountsFolder().toUtf8() +
+                                         "/ASKS/VOC' TO V ELSE STOP 'NO VOC'\n"
+                                         "WRITE 'PA':@FM:'DISPLAY <<Name?>>' TO V, 'LOGIN'\n"
+                                         "CRT 'DONE'\nEND\n"),
+                     QByteArray("DONE\r\n"));
+        }
+        auto item = mvConnection::Instance().GetResource(
+            mvConnection::Instance().MakePath(QStringLiteral("mvdb"), server, account,
+                                              QStringLiteral("BP"), QStringLiteral("NEW")),
+            false, true);
+        QVERIFY(item->Locked());
+        item->WriteText(QStringLiteral("END"));
+        item->Release();
+        QFile written(host.AccountsFolder() + QStringLiteral("/ASKS/BP/NEW"));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QCOMPARE(written.readAll(), QByteArray("END"));
     }
 
     // The QM process ends with its channel: a Brix killed outright leaves no lock behind.
