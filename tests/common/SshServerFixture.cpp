@@ -89,7 +89,10 @@ SshServerFixture::SshServerFixture() : dir_(std::make_unique<QTemporaryDir>()) {
               QStringLiteral("ListenAddress 127.0.0.1\nPort %1\nHostKey %2/host_key\n"
                              "PidFile %2/sshd.pid\nAuthorizedKeysFile %2/authorized_keys\n"
                              "UsePAM no\nPasswordAuthentication no\n"
-                             "KbdInteractiveAuthentication no\nStrictModes no\n")
+                             "KbdInteractiveAuthentication no\nStrictModes no\n"
+                             // Bash runs ~/.bashrc for a command from sshd only at shell
+                             // level 1: the user's start files stay out of the sessions.
+                             "SetEnv SHLVL=1\n")
                   .arg(port_)
                   .arg(d)
                   .toUtf8());
