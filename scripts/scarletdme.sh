@@ -212,6 +212,7 @@ Command=$work/host/bin/qm -quiet
 AllowCommands=true
 Marks=raw
 ItemNames=qm
+Locks=qm
 EOF
   echo "QM demo host running; account QMDEMO in $account"
   local status=0

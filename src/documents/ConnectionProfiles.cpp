@@ -234,6 +234,12 @@ void ConnectionProfiles::Load(const QString& file) {
             if (!lockFolder.isEmpty() && !lockFolder.contains(QLatin1Char('/')) &&
                 lockFolder != QLatin1String("..") && lockFolder != QLatin1String("."))
                 p.LockFolder = lockFolder;
+            const QString locks = text(ini.value(QStringLiteral("Locks"))).trimmed().toLower();
+            p.QmLocks = locks == QLatin1String("qm");
+            if (!locks.isEmpty() && !p.QmLocks && locks != QLatin1String("files"))
+                Warnings << QStringLiteral("Connection %1: Locks must be qm or files; the lock "
+                                           "files are used.")
+                                .arg(group);
             p.SshHost = text(ini.value(QStringLiteral("Host"))).trimmed();
             p.SshUser = text(ini.value(QStringLiteral("User"))).trimmed();
             p.SshIdentityFile = expandHome(text(ini.value(QStringLiteral("IdentityFile"))));

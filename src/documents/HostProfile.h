@@ -37,4 +37,7 @@ struct HostProfile {
     ItemIdCodec::Mode ItemNames = ItemIdCodec::Mode::Plain;
     // Inside each account.
     QString LockFolder = QStringLiteral(".brix-locks");
+    // Real record locks held by a QM process of the account (Locks=qm), instead of the
+    // advisory lock files; reads and writes then go through QM too.
+    bool QmLocks = false;
 };

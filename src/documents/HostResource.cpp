@@ -4,6 +4,7 @@
 #include "documents/HostProfile.h"
 #include "documents/HostTransport.h"
 #include "documents/ItemLock.h"
+#include "documents/QmLockKeeper.h"
 #include "documents/mvHost.h"
 #include "documents/mvPath.h"
 
@@ -44,7 +45,14 @@ HostResource::HostResource(std::shared_ptr<mvHost> host, QString server, QString
         itemFile_ = fileFolder_ + QLatin1Char('/') + names_.ToFileName(item_);
 }
 
-HostResource::~HostResource() = default;
+HostResource::~HostResource() {
+    if (qmLocked_)
+        host_->LockKeeper()->Unlock(qmItem());
+}
+
+QmLockKeeper::Item HostResource::qmItem() const {
+    return {accountFolder_, folder_, item_, itemLabel()};
+}
 
 const HostProfile& HostResource::profile() const {
     return *host_->Profile();
@@ -144,7 +152,12 @@ QByteArray HostResource::readBytes() {
             ConnectionErrors::NotAnItem,
             QStringLiteral("%1 is a folder or file definition, not an item.").arg(DisplayID()));
     try {
-        return host_->Transport()->ReadStamped(itemFile_, stamp_);
+        if (!host_->LockKeeper())
+            return host_->Transport()->ReadStamped(itemFile_, stamp_);
+        // QM gives the bytes as the item's OS file holds them: their hash is the file's.
+        QByteArray bytes = host_->LockKeeper()->Read(qmItem());
+        stamp_ = {true, bytes.size(), {}, HostTransport::Stamp::HashOf(bytes)};
+        return bytes;
     } catch (const BrixError& e) {
         throw BrixError(e.Number,
                         QStringLiteral("%1 could not be read. %2").arg(itemLabel(), e.Description));
@@ -170,7 +183,9 @@ void HostResource::writeBytes(const QByteArray& bytes) {
     bool written = false;
     HostTransport::Stamp stamp;
     try {
-        written = host_->Transport()->WriteUnchanged(itemFile_, bytes, stamp_, stamp);
+        written = host_->LockKeeper() ? writeThroughQm(bytes, stamp)
+                                      : host_->Transport()->WriteUnchanged(itemFile_, bytes,
+                                                                            stamp_, stamp);
     } catch (const BrixError& e) {
         if (e.Number == ConnectionErrors::ConnectionLost)
             throw BrixError(e.Number, QStringLiteral("%1 may not have been saved. %2 Your text "
@@ -187,6 +202,25 @@ void HostResource::writeBytes(const QByteArray& bytes) {
                                        "not saved.")
                             .arg(itemLabel()));
     stamp_ = stamp;
+}
+
+bool HostResource::writeThroughQm(const QByteArray& bytes, HostTransport::Stamp& written) {
+    QmLockKeeper& qm = *host_->LockKeeper();
+    // Our READU lock keeps QM programs out, but not an editor that works on the OS file.
+    if (stamp_.Known) {
+        try {
+            if (HostTransport::Stamp::HashOf(qm.Read(qmItem())) != stamp_.Hash)
+                return false;
+        } catch (const BrixError& e) {
+            // Gone from the host is changed too.
+            if (e.Number != ConnectionErrors::ReadFailed || Exists())
+                throw;
+            return false;
+        }
+    }
+    qm.Write(qmItem(), bytes);
+    written = {true, bytes.size(), {}, HostTransport::Stamp::HashOf(bytes)};
+    return true;
 }
 
 QString HostResource::ReadText() {
@@ -214,6 +248,12 @@ void HostResource::SetLocked(bool locked) {
     }
     if (itemFile_.isEmpty())
         return;
+    if (host_->LockKeeper()) {
+        if (!qmLocked_)
+            host_->LockKeeper()->Lock(qmItem());
+        qmLocked_ = true;
+        return;
+    }
     if (!lock_)
         lock_ = std::make_unique<ItemLock>(host_->Transport(),
                                            accountFolder_ + QLatin1Char('/') + profile().LockFolder,
@@ -222,10 +262,14 @@ void HostResource::SetLocked(bool locked) {
 }
 
 bool HostResource::Locked() const {
-    return lock_ && lock_->Held();
+    return qmLocked_ || (lock_ && lock_->Held());
 }
 
 void HostResource::Release() {
+    if (qmLocked_) {
+        qmLocked_ = false;
+        host_->LockKeeper()->Unlock(qmItem());
+    }
     if (lock_)
         lock_->Release();
 }

@@ -3,6 +3,7 @@
 #include "documents/HostTransport.h"
 #include "documents/ItemIdCodec.h"
 #include "documents/ItemTextCodec.h"
+#include "documents/QmLockKeeper.h"
 #include "documents/mvResource.h"
 
 #include <memory>
@@ -70,9 +71,12 @@ private:
     Probe probe() const;
     QByteArray readBytes();
     void writeBytes(const QByteArray& bytes);
+    // Locks=qm: WriteUnchanged through the QM process.
+    bool writeThroughQm(const QByteArray& bytes, HostTransport::Stamp& written);
     void checkWritable() const;
     const HostProfile& profile() const;
     QString itemLabel() const;
+    QmLockKeeper::Item qmItem() const;
 
     std::shared_ptr<mvHost> host_;
     QString server_, database_, folder_, item_;
@@ -85,4 +89,6 @@ private:
     mutable std::optional<bool> hashed_;
     // The item as last read or written here.
     HostTransport::Stamp stamp_;
+    // Holds a lock of the host's QM lock keeper (Locks=qm).
+    bool qmLocked_ = false;
 };

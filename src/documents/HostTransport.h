@@ -3,7 +3,10 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <memory>
 #include <vector>
+
+class PipeProcess;
 
 // What the connection layer needs of the machine that holds a host's files: plain file
 // operations on absolute paths there, and running a program there without a shell. The
@@ -53,6 +56,11 @@ public:
     // CommandTimeout() is stopped and raises ConnectionErrors::CommandTimedOut.
     virtual QByteArray Run(const QStringList& command, const QString& workingFolder,
                            int& exitCode) = 0;
+    // Starts the program with its arguments (no shell sees them) for a lasting conversation
+    // over its input and output; it ends when the PipeProcess goes, or when this process
+    // does. Raises when it can't be started.
+    virtual std::unique_ptr<PipeProcess> Start(const QStringList& command,
+                                               const QString& workingFolder) = 0;
 
     // What a file held when it was read or written, to tell later whether someone else has
     // changed it since: its size and modification time there, and a hash of its bytes.

@@ -1,6 +1,7 @@
 #include "documents/LocalTransport.h"
 
 #include "documents/ConnectionErrors.h"
+#include "documents/PipeProcess.h"
 
 #include <QFile>
 #include <QMutex>
@@ -348,4 +349,9 @@ QByteArray LocalTransport::Run(const QStringList& command, const QString& workin
     }
     exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     return process.readAll();
+}
+
+std::unique_ptr<PipeProcess> LocalTransport::Start(const QStringList& command,
+                                                   const QString& workingFolder) {
+    return std::make_unique<PipeProcess>(command, workingFolder);
 }

@@ -19,4 +19,6 @@ public:
                         Stamp& written) override;
     QByteArray Run(const QStringList& command, const QString& workingFolder,
                    int& exitCode) override;
+    std::unique_ptr<PipeProcess> Start(const QStringList& command,
+                                       const QString& workingFolder) override;
 };

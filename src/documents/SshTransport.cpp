@@ -2,6 +2,7 @@
 
 #include "documents/ConnectionErrors.h"
 #include "documents/SshSession.h"
+#include "documents/PipeProcess.h"
 
 #include <QDir>
 #include <QFile>
@@ -392,4 +393,22 @@ QByteArray SshTransport::Run(const QStringList& command, const QString& workingF
     }
     exitCode = o.ExitCode;
     return o.Out + o.Err;
+}
+
+std::unique_ptr<PipeProcess> SshTransport::Start(const QStringList& command,
+                                                 const QString& workingFolder) {
+    if (command.isEmpty())
+        throw BrixError(ConnectionErrors::CommandFailed, QStringLiteral("No command line is set."));
+    if (target_.Host.isEmpty())
+        throw BrixError(ConnectionErrors::UnknownServer,
+                        QStringLiteral("The connection has no Host to reach over ssh."));
+    // The program's input and output are the session's: when the ssh client ends, so does
+    // the input of the program on the host.
+    QString remote = QStringLiteral("sh -c ") +
+                     Quote(kPrologue + QStringLiteral("if [ -n \"$1\" ]; then cd -- \"$1\" || "
+                                                      "exit 126; fi\nshift\nexec \"$@\"\n")) +
+                     QStringLiteral(" brix ") + Quote(workingFolder);
+    for (const QString& word : command)
+        remote += QLatin1Char(' ') + Quote(word);
+    return std::make_unique<PipeProcess>(SshCommand(remote), QString());
 }

@@ -41,6 +41,8 @@ public:
     bool WriteUnchanged(const QString& path, const QByteArray& bytes, const Stamp& expected,
                         Stamp& written) override;
     std::vector<FileInfo> StatAll(const QStringList& paths) override;
+    std::unique_ptr<PipeProcess> Start(const QStringList& command,
+                                       const QString& workingFolder) override;
 
     // One word for a POSIX shell: the text exactly, whatever characters it holds.
     static QString Quote(const QString& word);

@@ -1,6 +1,7 @@
 #include "documents/WaitingTransport.h"
 
 #include "documents/HostCallWaiter.h"
+#include "documents/PipeProcess.h"
 
 HostTransport::FileInfo WaitingTransport::Stat(const QString& path) {
     FileInfo info;
@@ -69,4 +70,10 @@ std::vector<HostTransport::FileInfo> WaitingTransport::StatAll(const QStringList
     std::vector<FileInfo> infos;
     HostCallWaiter::Run([&] { infos = inner_->StatAll(paths); });
     return infos;
+}
+
+std::unique_ptr<PipeProcess> WaitingTransport::Start(const QStringList& command,
+                                                     const QString& workingFolder) {
+    // Starting waits for nothing; the conversation's own calls are the ones that wait.
+    return inner_->Start(command, workingFolder);
 }

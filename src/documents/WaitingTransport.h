@@ -25,6 +25,8 @@ public:
                         Stamp& written) override;
     QByteArray Run(const QStringList& command, const QString& workingFolder,
                    int& exitCode) override;
+    std::unique_ptr<PipeProcess> Start(const QStringList& command,
+                                       const QString& workingFolder) override;
 
 private:
     std::shared_ptr<HostTransport> inner_;

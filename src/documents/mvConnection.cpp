@@ -4,6 +4,7 @@
 #include "documents/FileResource.h"
 #include "documents/HostResource.h"
 #include "documents/LocalTransport.h"
+#include "documents/QmLockKeeper.h"
 #include "documents/SshTransport.h"
 #include "documents/WaitingTransport.h"
 #include "documents/frmBrowse.h"
@@ -14,6 +15,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QProcess>
 
 mvConnection& mvConnection::Instance() {
     static mvConnection connection;
@@ -28,6 +30,7 @@ void mvConnection::LoadProfiles(const QString& file) {
     profiles_.Load(file);
     profileCopies_.clear();
     transports_.clear();
+    keepers_.clear();
     initialized_ = true;
     warningsShown_ = false;
 }
@@ -81,8 +84,16 @@ std::shared_ptr<mvHost> mvConnection::HostFor(const QString& serverName, const Q
     auto& copy = profileCopies_[key];
     if (!copy)
         copy = std::make_shared<const HostProfile>(*profile);
-    return std::make_shared<mvHost>(copy, transportFor(*profile),
-                                    account.isEmpty() ? profile->DefaultAccount : account);
+    auto host = std::make_shared<mvHost>(copy, transportFor(*profile),
+                                         account.isEmpty() ? profile->DefaultAccount : account);
+    if (profile->QmLocks) {
+        auto& keeper = keepers_[key];
+        if (!keeper)
+            keeper = std::make_shared<QmLockKeeper>(
+                host->Transport(), QProcess::splitCommand(profile->CommandLine), profile->Charset);
+        host->SetLockKeeper(keeper);
+    }
+    return host;
 }
 
 std::shared_ptr<mvResource> mvConnection::GetResource(const QString& path, bool readOnly,

@@ -12,6 +12,7 @@
 
 class HostTransport;
 class QWidget;
+class QmLockKeeper;
 class mvHost;
 class mvResource;
 
@@ -69,4 +70,6 @@ private:
     ConnectionProfiles profiles_;
     std::map<QString, std::shared_ptr<const HostProfile>> profileCopies_;
     std::map<QString, std::shared_ptr<HostTransport>> transports_;
+    // One per profile with Locks=qm; open resources keep theirs (and its locks) alive.
+    std::map<QString, std::shared_ptr<QmLockKeeper>> keepers_;
 };

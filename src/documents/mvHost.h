@@ -7,6 +7,7 @@
 #include <memory>
 
 class HostTransport;
+class QmLockKeeper;
 
 // The connection to a host as one resource sees it: its profile, the transport to its
 // machine and the account in use. A local file's host has no profile and runs nothing.
@@ -33,9 +34,13 @@ public:
 
     const HostProfile* Profile() const { return profile_.get(); }
     const std::shared_ptr<HostTransport>& Transport() const { return transport_; }
+    // What holds real QM record locks for this host (Locks=qm); null for lock files.
+    const std::shared_ptr<QmLockKeeper>& LockKeeper() const { return keeper_; }
+    void SetLockKeeper(std::shared_ptr<QmLockKeeper> keeper) { keeper_ = std::move(keeper); }
 
 private:
     std::shared_ptr<const HostProfile> profile_;
     std::shared_ptr<HostTransport> transport_;
     QString account_;
+    std::shared_ptr<QmLockKeeper> keeper_;
 };

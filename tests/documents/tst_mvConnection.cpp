@@ -124,17 +124,19 @@ private Q_SLOTS:
 
     void sshProfiles() {
         useProfiles("[remote]\nTransport=ssh\nHost=mv.example.com\nPort=2222\nUser=alice\n"
-                    "IdentityFile=~/.ssh/id_mv\n\n[nohost]\nTransport=ssh\nPort=99999\n\n"
-                    "[odd]\nTransport=telnet\n");
+                    "IdentityFile=~/.ssh/id_mv\nLocks=QM\n\n[nohost]\nTransport=ssh\n"
+                    "Port=99999\n\n[odd]\nTransport=telnet\nLocks=database\n");
         const ConnectionProfiles& p = connection().Profiles();
         const HostProfile& remote = *p.Find(QStringLiteral("remote"));
         QCOMPARE(remote.SshHost, QStringLiteral("mv.example.com"));
         QCOMPARE(remote.SshPort, 2222);
         QCOMPARE(remote.SshUser, QStringLiteral("alice"));
         QCOMPARE(remote.SshIdentityFile, QDir::homePath() + QStringLiteral("/.ssh/id_mv"));
+        QVERIFY(remote.QmLocks);
         QCOMPARE(p.Find(QStringLiteral("nohost"))->SshPort, 0);
-        // No host, a bad port, an unknown transport: one warning each, told once.
-        QCOMPARE(p.Warnings.size(), 3);
+        QVERIFY(!p.Find(QStringLiteral("odd"))->QmLocks);
+        // No host, a bad port, an unknown transport, unknown locks: one warning each, told once.
+        QCOMPARE(p.Warnings.size(), 4);
         BoxAnswers boxes;
         connection().ShowWarnings();
         connection().ShowWarnings();

@@ -1,0 +1,247 @@
+#include "BoxAnswers.h"
+#include "FileTestSupport.h"
+#include "QmHostFixture.h"
+#include "SshServerFixture.h"
+#include "TestEnv.h"
+
+#include "documents/ConnectionProfiles.h"
+#include "documents/QmLockKeeper.h"
+#include "documents/mvConnection.h"
+#include "documents/mvDocument.h"
+#include "documents/mvHost.h"
+#include "documents/mvResource.h"
+#include "support/MsgBoxEx.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <csignal>
+
+// Real QM record locks (Locks=qm) on a real QM host, reached locally and over ssh: what
+// Brix holds QM programs are refused, what they hold Brix is refused, and the lock goes
+// with Save As, with Release and with a killed Brix.
+class tst_QmLocks : public QObject {
+    Q_OBJECT
+    QmHostFixture host;
+    std::unique_ptr<SshServerFixture> server;
+    int items = 0;
+
+    QString path(const QString& server, const QString& item) const {
+        return mvConnection::Instance().MakePath(QStringLiteral("mvdb"), server, host.Account(),
+                                                 QStringLiteral("BP"), item);
+    }
+    // A new item for each test row, so that no lock of an earlier row is in the way.
+    QString newItem() {
+        const QString id = QStringLiteral("L%1").arg(++items);
+        host.WriteItem(QStringLiteral("BP"), id, "CRT 1\nEND\n");
+        return id;
+    }
+    // What a QM program sees that tries READU with a LOCKED clause.
+    QByteArray tryLock(const QString& id) const {
+        return host.Run(QStringLiteral("RUN BP TRYLOCK ") + id).trimmed();
+    }
+    // Polls until `want` is what a QM program sees, looking without taking the lock (a poll
+    // that took it could refuse Brix); false after a minute.
+    bool waitFor(const QString& id, const QByteArray& want) const {
+        QElapsedTimer waited;
+        waited.start();
+        while (!host.Run(QStringLiteral("RUN BP PEEK ") + id).startsWith(want)) {
+            if (waited.elapsed() > 60000)
+                return false;
+            QTest::qWait(50);
+        }
+        return true;
+    }
+    int brixUser(const QString& server) const {
+        auto qm = mvConnection::Instance().HostFor(server, host.Account());
+        return qm->LockKeeper()->UserNumber(qm->AccountFolder(host.Account()));
+    }
+    static QByteArray lockedBy(int user) { return "LOCKED BY USER " + QByteArray::number(user); }
+
+private Q_SLOTS:
+    void initTestCase() {
+        QVERIFY2(host.Ready(), qPrintable(host.Error()));
+        QByteArray profiles =
+            "[General]\nDefault=qm\n\n" + host.Profile(QStringLiteral("qm")) + "Locks=qm\n";
+        server = std::make_unique<SshServerFixture>();
+        QVERIFY2(server->Started(), qPrintable(server->Error()));
+        QByteArray ssh = host.Profile(QStringLiteral("qmssh")) + "Locks=qm\n";
+        ssh.replace("Transport=local",
+                    QStringLiteral("Transport=ssh\nHost=127.0.0.1\nPort=%1\nSshConfig=%2")
+                        .arg(server->Port())
+                        .arg(server->ClientConfig())
+                        .toUtf8());
+        FileTestSupport::WriteFile(ConnectionProfiles::DefaultFile(), profiles + '\n' + ssh);
+        mvConnection::Instance().LoadProfiles(ConnectionProfiles::DefaultFile());
+        QVERIFY(mvConnection::Instance().Profiles().Warnings.isEmpty());
+        // Takes the item's lock the way a host program does, without waiting.
+        host.WriteItem(QStringLiteral("BP"), QStringLiteral("TRYLOCK"),
+                       "OPEN 'BP' TO F ELSE STOP 'NO FILE'\n"
+                       "READU R FROM F, FIELD(@SENTENCE, ' ', 4) LOCKED\n"
+                       "   CRT 'LOCKED BY USER ':STATUS()\n"
+                       "   STOP\n"
+                       "END THEN CRT 'FREE ':R<1> ELSE CRT 'FREE NEW'\n"
+                       "END\n");
+        // Holds it until a line arrives on its input.
+        host.WriteItem(QStringLiteral("BP"), QStringLiteral("HOLD"),
+                       "OPEN 'BP' TO F ELSE STOP 'NO FILE'\n"
+                       "READU R FROM F, FIELD(@SENTENCE, ' ', 4) ELSE NULL\n"
+                       "CRT 'HELD BY ':@USERNO\n"
+                       "INPUT X\n"
+                       "END\n");
+        host.WriteItem(QStringLiteral("BP"), QStringLiteral("PEEK"),
+                       "OPEN 'BP' TO F ELSE STOP 'NO FILE'\n"
+                       "IF RECORDLOCKED(F, FIELD(@SENTENCE, ' ', 4)) = -2 THEN\n"
+                       "   CRT 'LOCKED BY USER ':STATUS()\n"
+                       "END ELSE CRT 'FREE'\n"
+                       "END\n");
+        for (const char* program : {"TRYLOCK", "HOLD", "PEEK"})
+            QVERIFY(host.Run(QStringLiteral("BASIC BP ") + QLatin1String(program))
+                        .contains("with no errors"));
+    }
+    void cleanupTestCase() {
+        mvConnection::Instance().LoadProfiles(ConnectionProfiles::DefaultFile());
+        server.reset();
+    }
+
+    void init() {
+        QFETCH_GLOBAL(QString, server);
+        Q_UNUSED(server);
+    }
+    static void initTestCase_data() {
+        QTest::addColumn<QString>("server");
+        QTest::newRow("local") << QStringLiteral("qm");
+        QTest::newRow("ssh") << QStringLiteral("qmssh");
+    }
+
+    // Brix holds: a QM program is refused and told who holds it; a save keeps the lock and
+    // QM reads what was saved; Release frees it.
+    void brixHoldsQmIsRefused() {
+        QFETCH_GLOBAL(QString, server);
+        const QString id = newItem();
+        auto item = mvConnection::Instance().GetResource(path(server, id), false, true);
+        QVERIFY(item->Locked());
+        QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
+        const QByteArray listed = host.Run(QStringLiteral("LIST.READU"));
+        QVERIFY2(listed.contains(id.toLatin1()), listed.constData());
+        QCOMPARE(item->ReadText(), QStringLiteral("CRT 1\r\nEND\r\n"));
+        item->WriteText(QStringLiteral("CRT 2\r\nEND\r\n"));
+        QCOMPARE(host.ReadItem(QStringLiteral("BP"), id), QByteArray("CRT 2\nEND\n"));
+        QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
+        item->Release();
+        QCOMPARE(tryLock(id), QByteArray("FREE CRT 2"));
+    }
+
+    // A QM program holds: Brix asks whether to open read only and, told No, names the holder;
+    // once the program has let go, opening again gets the lock.
+    void qmHoldsBrixIsRefusedThenRetries() {
+        QFETCH_GLOBAL(QString, server);
+        const QString id = newItem();
+        QProcess holder;
+        holder.setWorkingDirectory(host.AccountFolder());
+        holder.start(host.QmProgram(),
+                     {QStringLiteral("-quiet"), QStringLiteral("RUN BP HOLD ") + id});
+        QVERIFY(holder.waitForReadyRead(60000));
+        const QByteArray held = holder.readAll().trimmed();
+        QVERIFY2(held.startsWith("HELD BY "), held.constData());
+        const QString user = QString::fromLatin1(held.mid(8));
+
+        BoxAnswers boxes;
+        boxes.Push(MsgBox::No);
+        auto refused = mvDocument::Create();
+        QVERIFY(!refused->FileOpen(path(server, id), false));
+        refused->FileClose(false);
+        QCOMPARE(boxes.Seen.size(), 2);
+        QCOMPARE(boxes.Seen.at(0).Text,
+                 id + QStringLiteral(" is locked by another user or process. Open in \"read "
+                                     "only\" mode instead?"));
+        QVERIFY2(boxes.Seen.at(1).Text.contains(QStringLiteral("is locked by QM user ") + user),
+                 qPrintable(boxes.Seen.at(1).Text));
+        try {
+            mvConnection::Instance().GetResource(path(server, id), false, true);
+            QFAIL("the lock was given while a QM program held it");
+        } catch (const BrixError& e) {
+            QCOMPARE(e.Number, BrixErrors::LockedByOther);
+        }
+
+        holder.write("go\n");
+        QVERIFY(holder.waitForFinished(60000));
+        auto doc = mvDocument::Create();
+        QVERIFY(doc->FileOpen(path(server, id), false));
+        QVERIFY(doc->DocumentResource()->Locked());
+        QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
+        doc->FileClose(false);
+        QCOMPARE(tryLock(id), QByteArray("FREE CRT 1"));
+        QVERIFY(!boxes.AnyUnexpected());
+    }
+
+    // Save As takes the target's lock and lets go of the old item's.
+    void saveAsMovesTheLock() {
+        QFETCH_GLOBAL(QString, server);
+        const QString from = newItem();
+        const QString to = QStringLiteral("L%1").arg(++items);
+        auto doc = mvDocument::Create();
+        QVERIFY(doc->FileOpen(path(server, from), false));
+        QCOMPARE(tryLock(from), lockedBy(brixUser(server)));
+        QVERIFY(doc->FileSaveAs(path(server, to)));
+        QCOMPARE(tryLock(from), QByteArray("FREE CRT 1"));
+        QCOMPARE(tryLock(to), lockedBy(brixUser(server)));
+        QCOMPARE(host.ReadItem(QStringLiteral("BP"), to), QByteArray("CRT 1\nEND\n"));
+        doc->FileClose(false);
+        QCOMPARE(tryLock(to), QByteArray("FREE CRT 1"));
+    }
+
+    // An account whose LOGIN paragraph asks for input: the session ends the question, nobody
+    // being there to answer, and works on.
+    void accountThatAsksAtLogin() {
+        QFETCH_GLOBAL(QString, server);
+        const QString account = QStringLiteral("ASKS");
+        if (!QFileInfo::exists(host.AccountsFolder() + QLatin1Char('/') + account)) {
+            QVERIFY(host.CreateAccount(account));
+            QCOMPARE(host.RunProgram(QStringLiteral("ASKING"),
+                                     "OPENPATH '" + host.AccountsFolder().toUtf8() +
+                                         "/ASKS/VOC' TO V ELSE STOP 'NO VOC'\n"
+                                         "WRITE 'PA':@FM:'DISPLAY <<Name?>>' TO V, 'LOGIN'\n"
+                                         "CRT 'DONE'\nEND\n"),
+                     QByteArray("DONE\r\n"));
+        }
+        auto item = mvConnection::Instance().GetResource(
+            mvConnection::Instance().MakePath(QStringLiteral("mvdb"), server, account,
+                                              QStringLiteral("BP"), QStringLiteral("NEW")),
+            false, true);
+        QVERIFY(item->Locked());
+        item->WriteText(QStringLiteral("END"));
+        item->Release();
+        QFile written(host.AccountsFolder() + QStringLiteral("/ASKS/BP/NEW"));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QCOMPARE(written.readAll(), QByteArray("END"));
+    }
+
+    // The QM process ends with its channel: a Brix killed outright leaves no lock behind.
+    void killedBrixFreesTheLock() {
+        QFETCH_GLOBAL(QString, server);
+        const QString id = newItem();
+        // The editor reads the same connections, from where a user's start looks for them.
+        QTemporaryDir config;
+        QVERIFY(QDir().mkpath(config.filePath(QStringLiteral("Tolvek/Brix"))));
+        QVERIFY(QFile::copy(ConnectionProfiles::DefaultFile(),
+                            config.filePath(QStringLiteral("Tolvek/Brix/connections.conf"))));
+        QProcess brix;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+        brix.setProcessEnvironment(environment);
+        brix.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        brix.start(qEnvironmentVariable("BRIX_BUILD_DIR") + QStringLiteral("/brix"),
+                   {QStringLiteral("/H=") + server, QStringLiteral("/A=") + host.Account(),
+                    QStringLiteral("/F=BP"), QStringLiteral("/I=") + id});
+        QVERIFY(brix.waitForStarted(30000));
+        QVERIFY2(waitFor(id, "LOCKED BY USER"), "Brix did not take the lock");
+        ::kill(static_cast<pid_t>(brix.processId()), SIGKILL);
+        QVERIFY(brix.waitForFinished(30000));
+        QVERIFY2(waitFor(id, "FREE"), "the lock stayed after Brix was killed");
+    }
+};
+
+BRIX_TEST_MAIN(tst_QmLocks)
+#include "tst_QmLocks.moc"
