@@ -183,9 +183,9 @@ void HostResource::writeBytes(const QByteArray& bytes) {
     bool written = false;
     HostTransport::Stamp stamp;
     try {
-        written = host_->LockKeeper() ? writeThroughQm(bytes, stamp)
-                                      : host_->Transport()->WriteUnchanged(itemFile_, bytes,
-                                                                            stamp_, stamp);
+        written = host_->LockKeeper()
+                      ? writeThroughQm(bytes, stamp)
+                      : host_->Transport()->WriteUnchanged(itemFile_, bytes, stamp_, stamp);
     } catch (const BrixError& e) {
         if (e.Number == ConnectionErrors::ConnectionLost)
             throw BrixError(e.Number, QStringLiteral("%1 may not have been saved. %2 Your text "

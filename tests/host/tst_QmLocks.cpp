@@ -4,6 +4,7 @@
 #include "SshServerFixture.h"
 #include "TestEnv.h"
 
+#include "documents/ConnectionErrors.h"
 #include "documents/ConnectionProfiles.h"
 #include "documents/QmLockKeeper.h"
 #include "documents/mvConnection.h"
@@ -131,6 +132,35 @@ private Q_SLOTS:
         QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
         item->Release();
         QCOMPARE(tryLock(id), QByteArray("FREE CRT 2"));
+    }
+
+    // Our lock keeps QM programs out, not an editor of the OS file: a save through QM still
+    // refuses to write over its change until told to, and an item deleted meanwhile counts
+    // as changed.
+    void saveThroughQmSeesTheFileChanged() {
+        QFETCH_GLOBAL(QString, server);
+        const QString id = newItem();
+        auto item = mvConnection::Instance().GetResource(path(server, id), false, true);
+        QCOMPARE(item->ReadText(), QStringLiteral("CRT 1\r\nEND\r\n"));
+        host.WriteItem(QStringLiteral("BP"), id, "CRT 'theirs'\nEND\n");
+        auto refusedWith = [&] {
+            try {
+                item->WriteText(QStringLiteral("CRT 'mine'\r\nEND\r\n"));
+            } catch (const BrixError& e) {
+                return e.Number;
+            }
+            return 0;
+        };
+        QCOMPARE(refusedWith(), ConnectionErrors::ChangedOnHost);
+        QCOMPARE(host.ReadItem(QStringLiteral("BP"), id), QByteArray("CRT 'theirs'\nEND\n"));
+        item->AllowOverwrite();
+        QCOMPARE(refusedWith(), 0);
+        QCOMPARE(host.ReadItem(QStringLiteral("BP"), id), QByteArray("CRT 'mine'\nEND\n"));
+        // Our own save is no change by someone else.
+        QCOMPARE(refusedWith(), 0);
+        QVERIFY(QFile::remove(host.ItemFile(QStringLiteral("BP"), id)));
+        QCOMPARE(refusedWith(), ConnectionErrors::ChangedOnHost);
+        item->Release();
     }
 
     // A QM program holds: Brix asks whether to open read only and, told No, names the holder;
