@@ -268,8 +268,14 @@ void ConnectionProfiles::Load(const QString& file) {
     }
     if (!Find(kDemoName))
         profiles_.push_back(Demo());
-    if (defaultName_.isEmpty() || !Find(defaultName_))
+    if (defaultName_.isEmpty() || !Find(defaultName_)) {
+        const QString named = defaultName_;
         defaultName_ = profiles_.size() > 1 ? profiles_.front().Name : kDemoName;
+        if (!named.isEmpty())
+            Warnings << QStringLiteral("Default names connection %1, which is not in the file; "
+                                       "%2 is the default instead.")
+                            .arg(named, defaultName_);
+    }
 }
 
 const HostProfile* ConnectionProfiles::Find(const QString& server) const {

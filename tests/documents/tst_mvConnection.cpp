@@ -120,6 +120,17 @@ private Q_SLOTS:
 
         useProfiles({});
         QCOMPARE(connection().Profiles().DefaultName(), QStringLiteral("demo"));
+
+        // A default that names no connection is told, with the one that stands in.
+        QByteArray misnamed = prodProfile();
+        misnamed.replace("Default=prod", "Default=prdo");
+        useProfiles(misnamed);
+        const QString standIn = connection().Profiles().DefaultName();
+        QVERIFY(connection().Profiles().Find(standIn));
+        QCOMPARE(connection().Profiles().Warnings,
+                 QStringList(QStringLiteral("Default names connection prdo, which is not in the "
+                                            "file; %1 is the default instead.")
+                                 .arg(standIn)));
     }
 
     void sshProfiles() {
