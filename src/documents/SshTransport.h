@@ -7,11 +7,13 @@
 
 class SshSession;
 
-// The host's files on another machine, through the system's OpenSSH client. Every call is
-// one `ssh` run over a connection shared per host (ControlMaster), so the user's own ssh
-// configuration, keys, agent and known hosts apply, and only the first call pays for the
-// handshake. Each run hands a short POSIX shell script its arguments quoted for the remote
-// shell, so nothing of a path, an item id or a command is ever interpreted there.
+// The host's files on another machine, through the system's OpenSSH client, so the user's
+// own ssh configuration, keys, agent and known hosts apply. Calls go to one long-lived shell
+// there (SshSession), over a connection shared per host (ControlMaster): only the first call
+// pays for the handshake and the login shell. A call that finds that shell busy on another
+// thread runs as an `ssh` of its own over the same connection. Each call hands a short POSIX
+// shell script its arguments quoted for the remote shell, so nothing of a path, an item id
+// or a command is ever interpreted there.
 class SshTransport final : public HostTransport {
 public:
     struct Target {
