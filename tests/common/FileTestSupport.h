@@ -1,5 +1,7 @@
 #pragma once
 
+#include "documents/ConnectionProfiles.h"
+#include "documents/mvConnection.h"
 #include "support/BrixError.h"
 
 #include <QDir>
@@ -34,6 +36,16 @@ inline int32_t ErrorOf(const std::function<void()>& fn, QString* description = n
         return e.Number;
     }
     return 0;
+}
+
+// Writes the connections file, or removes it for an empty text, and loads it.
+inline void UseProfiles(const QByteArray& text) {
+    const QString file = ConnectionProfiles::DefaultFile();
+    if (text.isEmpty())
+        QFile::remove(file);
+    else
+        WriteFile(file, text);
+    mvConnection::Instance().LoadProfiles(file);
 }
 
 } // namespace FileTestSupport

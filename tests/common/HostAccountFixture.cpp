@@ -1,4 +1,5 @@
 #include "HostAccountFixture.h"
+#include "FileTestSupport.h"
 
 #include "documents/ConnectionProfiles.h"
 #include "documents/ItemLock.h"
@@ -14,17 +15,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace {
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
-}
-
-} // namespace
-
 HostAccountFixture::HostAccountFixture()
     : tmp_(std::make_unique<QTemporaryDir>(QStringLiteral("/tmp/brix-account-XXXXXX"))) {
     accounts_ = tmp_->path();
@@ -39,12 +29,11 @@ HostAccountFixture::HostAccountFixture()
     ::chmod(QFile::encodeName(ItemFile(QStringLiteral("BP"), QStringLiteral("PROT"))).constData(),
             0444);
     WriteItem(QStringLiteral("LIB"), QStringLiteral("OTHER"), "* other\n");
-    writeFile(accounts_ + QStringLiteral("/DEMO/CUSTOMERS/DATA.30"), QByteArray());
+    FileTestSupport::WriteFile(accounts_ + QStringLiteral("/DEMO/CUSTOMERS/DATA.30"), QByteArray());
     QDir().mkpath(LocalFolder());
 
-    writeFile(ProfilesFile(), "[General]\nDefault=test\n\n[test]\nLabel=TEST\nAccountsFolder=" +
-                                  accounts_.toUtf8() + "\nDefaultAccount=DEMO\n");
-    mvConnection::Instance().LoadProfiles(ProfilesFile());
+    FileTestSupport::UseProfiles("[General]\nDefault=test\n\n[test]\nLabel=TEST\nAccountsFolder=" +
+                                 accounts_.toUtf8() + "\nDefaultAccount=DEMO\n");
 }
 
 HostAccountFixture::~HostAccountFixture() {
@@ -67,13 +56,12 @@ QString HostAccountFixture::ItemFile(const QString& file, const QString& item) c
 }
 
 QByteArray HostAccountFixture::ReadItem(const QString& file, const QString& item) const {
-    QFile f(ItemFile(file, item));
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+    return FileTestSupport::ReadFile(ItemFile(file, item));
 }
 
 void HostAccountFixture::WriteItem(const QString& file, const QString& item,
                                    const QByteArray& bytes) const {
-    writeFile(ItemFile(file, item), bytes);
+    FileTestSupport::WriteFile(ItemFile(file, item), bytes);
 }
 
 qint64 HostAccountFixture::LockHolder(const QString& file, const QString& item) const {

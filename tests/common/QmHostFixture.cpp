@@ -1,4 +1,5 @@
 #include "QmHostFixture.h"
+#include "FileTestSupport.h"
 
 #include "documents/CommandOutput.h"
 #include "documents/ConnectionProfiles.h"
@@ -12,13 +13,6 @@ namespace {
 
 constexpr int kStartMs = 180000;
 constexpr int kCommandMs = 60000;
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
-}
 
 // Runs the host script; its output, or the reason it failed in `error`.
 QByteArray script(const QStringList& arguments, QString& error) {
@@ -122,13 +116,12 @@ QString QmHostFixture::ItemFile(const QString& file, const QString& fileName) co
 }
 
 QByteArray QmHostFixture::ReadItem(const QString& file, const QString& fileName) const {
-    QFile f(ItemFile(file, fileName));
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+    return FileTestSupport::ReadFile(ItemFile(file, fileName));
 }
 
 void QmHostFixture::WriteItem(const QString& file, const QString& fileName,
                               const QByteArray& bytes) const {
-    writeFile(ItemFile(file, fileName), bytes);
+    FileTestSupport::WriteFile(ItemFile(file, fileName), bytes);
 }
 
 QByteArray QmHostFixture::Profile(const QString& name) const {
@@ -139,9 +132,7 @@ QByteArray QmHostFixture::Profile(const QString& name) const {
 }
 
 void QmHostFixture::UseProfile(const QString& name) const {
-    writeFile(ConnectionProfiles::DefaultFile(),
-              "[General]\nDefault=" + name.toUtf8() + "\n\n" + Profile(name));
-    mvConnection::Instance().LoadProfiles(ConnectionProfiles::DefaultFile());
+    FileTestSupport::UseProfiles("[General]\nDefault=" + name.toUtf8() + "\n\n" + Profile(name));
 }
 
 QString QmHostFixture::ItemPath(const QString& file, const QString& item) const {

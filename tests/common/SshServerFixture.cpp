@@ -174,3 +174,10 @@ SshTransport::Target SshServerFixture::Target(bool trusted) const {
     target.ConfigFile = ClientConfig(trusted);
     return target;
 }
+
+QByteArray SshServerFixture::ProfileLines() const {
+    return QStringLiteral("Transport=ssh\nHost=127.0.0.1\nPort=%1\nSshConfig=%2\n")
+        .arg(port_)
+        .arg(ClientConfig())
+        .toUtf8();
+}

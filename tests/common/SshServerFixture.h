@@ -24,6 +24,8 @@ public:
     QString ClientConfig(bool trusted = true) const;
     // Where a transport made by Target() reaches this server.
     SshTransport::Target Target(bool trusted = true) const;
+    // The lines of a connection profile that reach this server.
+    QByteArray ProfileLines() const;
     // Ends the server at once, and any session it runs.
     void Kill();
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QString>
 #include <QApplication>
+#include <QString>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <memory>

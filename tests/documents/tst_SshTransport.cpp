@@ -1,3 +1,4 @@
+#include "FileTestSupport.h"
 #include "SshServerFixture.h"
 #include "TestEnv.h"
 
@@ -23,10 +24,6 @@ class tst_SshTransport : public QObject {
     std::shared_ptr<SshTransport> ssh_;
 
     QString path(const QString& name) const { return dir_->path() + QLatin1Char('/') + name; }
-    static QByteArray disk(const QString& file) {
-        QFile f(file);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-    }
 
 private slots:
     void initTestCase() {
@@ -62,7 +59,7 @@ private slots:
                                "C\xfc\r\n\0end",
                                13);
         ssh_->WriteFile(path(name), bytes);
-        QCOMPARE(disk(path(name)), bytes);
+        QCOMPARE(FileTestSupport::ReadFile(path(name)), bytes);
         QCOMPARE(ssh_->ReadFile(path(name)), bytes);
         const auto info = ssh_->Stat(path(name));
         QVERIFY(info.Exists && info.IsFile);
@@ -97,19 +94,16 @@ private slots:
         QVERIFY(QFileInfo(path(QStringLiteral("a/b"))).isDir());
         QVERIFY(ssh_->CreateExclusive(path(QStringLiteral("L")), "first"));
         QVERIFY(!ssh_->CreateExclusive(path(QStringLiteral("L")), "second"));
-        QCOMPARE(disk(path(QStringLiteral("L"))), QByteArray("first"));
+        QCOMPARE(FileTestSupport::ReadFile(path(QStringLiteral("L"))), QByteArray("first"));
         int exitCode = 0;
         ssh_->Run({QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("exit 7")}, {},
                   exitCode);
         QCOMPARE(exitCode, 7);
-        try {
-            ssh_->ReadFile(path(QStringLiteral("none")));
-            QFAIL("a missing file was read");
-        } catch (const BrixError& e) {
-            QCOMPARE(e.Number, ConnectionErrors::ReadFailed);
-            QVERIFY2(e.Description.contains(QLatin1String("No such file")),
-                     qPrintable(e.Description));
-        }
+        QString error;
+        QCOMPARE(
+            FileTestSupport::ErrorOf([&] { ssh_->ReadFile(path(QStringLiteral("none"))); }, &error),
+            ConnectionErrors::ReadFailed);
+        QVERIFY2(error.contains(QLatin1String("No such file")), qPrintable(error));
     }
 
     // Items over ssh: marks as stored, and the editor lock seen by another client.
@@ -124,9 +118,9 @@ private slots:
                           QStringLiteral("BP"), QStringLiteral("MAIN"));
         item.WriteText(QStringLiteral("A") + QChar(0xF8FE) + QStringLiteral("B") + QChar(0xF8FD) +
                        QStringLiteral("C"));
-        QCOMPARE(disk(path(QStringLiteral("ACC/BP/MAIN"))), QByteArray("A\xfe"
-                                                                       "B\xfd"
-                                                                       "C"));
+        QCOMPARE(FileTestSupport::ReadFile(path(QStringLiteral("ACC/BP/MAIN"))), QByteArray("A\xfe"
+                                                                                            "B\xfd"
+                                                                                            "C"));
         item.SetLocked(true);
         QVERIFY(item.Locked());
         // Another machine's lock is not stale: it is refused and named.
@@ -137,13 +131,10 @@ private slots:
         QVERIFY(ssh_->CreateExclusive(folder + QLatin1Char('/') + entry, other.ToBytes()));
         HostResource second(host, QStringLiteral("remote"), QStringLiteral("ACC"),
                             QStringLiteral("BP"), QStringLiteral("OTHER"));
-        try {
-            second.SetLocked(true);
-            QFAIL("a lock held elsewhere was taken");
-        } catch (const BrixError& e) {
-            QCOMPARE(e.Number, BrixErrors::LockedByOther);
-            QVERIFY(e.Description.contains(QLatin1String("elsewhere")));
-        }
+        QString error;
+        QCOMPARE(FileTestSupport::ErrorOf([&] { second.SetLocked(true); }, &error),
+                 BrixErrors::LockedByOther);
+        QVERIFY(error.contains(QLatin1String("elsewhere")));
         item.SetLocked(false);
     }
 
@@ -183,13 +174,10 @@ private slots:
 
     void unknownHostKeyIsRefused() {
         SshTransport stranger(server_->Target(false));
-        try {
-            stranger.Stat(QStringLiteral("/"));
-            QFAIL("an unknown host key was accepted");
-        } catch (const BrixError& e) {
-            QVERIFY2(e.Description.contains(QLatin1String("host key")), qPrintable(e.Description));
-            QVERIFY(e.Description.contains(QStringLiteral("ssh -p %1").arg(server_->Port())));
-        }
+        QString error;
+        QVERIFY(FileTestSupport::ErrorOf([&] { stranger.Stat(QStringLiteral("/")); }, &error));
+        QVERIFY2(error.contains(QLatin1String("host key")), qPrintable(error));
+        QVERIFY(error.contains(QStringLiteral("ssh -p %1").arg(server_->Port())));
     }
 
     // Last: the server goes away; a save fails with a message and leaves the old item.
@@ -197,13 +185,9 @@ private slots:
         const QString file = path(QStringLiteral("KEEP"));
         ssh_->WriteFile(file, "old");
         server_->Kill();
-        try {
-            ssh_->WriteFile(file, "new");
-            QFAIL("a write without a connection succeeded");
-        } catch (const BrixError& e) {
-            QCOMPARE(e.Number, ConnectionErrors::ConnectionLost);
-        }
-        QCOMPARE(disk(file), QByteArray("old"));
+        QCOMPARE(FileTestSupport::ErrorOf([&] { ssh_->WriteFile(file, "new"); }),
+                 ConnectionErrors::ConnectionLost);
+        QCOMPARE(FileTestSupport::ReadFile(file), QByteArray("old"));
     }
 };
 

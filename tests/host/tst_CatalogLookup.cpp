@@ -1,13 +1,12 @@
+#include "FileTestSupport.h"
 #include "QmHostFixture.h"
 #include "TestEnv.h"
 
 #include "documents/CatalogLookup.h"
-#include "documents/ConnectionProfiles.h"
 #include "documents/frmBrowse.h"
 #include "documents/mvConnection.h"
 
 #include <QComboBox>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -38,12 +37,7 @@ private Q_SLOTS:
         // Two connections to the host: one that runs commands and one that doesn't.
         QByteArray off = host.Profile(QStringLiteral("qmoff"));
         off.replace("AllowCommands=true", "AllowCommands=false");
-        host.UseProfile();
-        QFile conf(ConnectionProfiles::DefaultFile());
-        QVERIFY(conf.open(QIODevice::WriteOnly));
-        conf.write("[General]\nDefault=qm\n\n" + host.Profile() + '\n' + off);
-        conf.close();
-        mvConnection::Instance().LoadProfiles(ConnectionProfiles::DefaultFile());
+        FileTestSupport::UseProfiles("[General]\nDefault=qm\n\n" + host.Profile() + '\n' + off);
     }
 
     void find_data() {

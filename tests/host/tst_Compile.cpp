@@ -1,10 +1,10 @@
 #include "BoxAnswers.h"
 #include "DocumentFrame.h"
+#include "FileTestSupport.h"
 #include "QmHostFixture.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
-#include "documents/ConnectionProfiles.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
 #include "language/ScintillaBuffer.h"
@@ -66,17 +66,6 @@ class tst_Compile : public QObject {
         document.Editor()->GetSelection(startColumn, startLine, endColumn, endLine);
         return endLine + 1;
     }
-    // Opens a document on a profile whose host doesn't let this client run commands.
-    void useProfileWithoutCommands() {
-        QByteArray profile = host.Profile();
-        profile.replace("AllowCommands=true", "AllowCommands=false");
-        QFile file(ConnectionProfiles::DefaultFile());
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write("[General]\nDefault=qm\n\n" + profile);
-        file.close();
-        mvConnection::Instance().LoadProfiles(ConnectionProfiles::DefaultFile());
-    }
-
 private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(host.Ready(), qPrintable(host.Error()));
@@ -178,14 +167,13 @@ private Q_SLOTS:
             QVERIFY(document->FileNew());
         } else if (kind == QLatin1String("file")) {
             const QString path = dir.filePath(QStringLiteral("local.bas"));
-            QFile file(path);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("CRT 1\n");
-            file.close();
+            FileTestSupport::WriteFile(path, "CRT 1\n");
             document = mvDocument::Create();
             QVERIFY(document->FileOpen(path, false));
         } else {
-            useProfileWithoutCommands();
+            QByteArray profile = host.Profile();
+            profile.replace("AllowCommands=true", "AllowCommands=false");
+            FileTestSupport::UseProfiles("[General]\nDefault=qm\n\n" + profile);
             document = open(QStringLiteral("NOCMD"), "CRT 1\nEND\n");
             QVERIFY(document);
         }

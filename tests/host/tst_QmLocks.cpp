@@ -68,13 +68,8 @@ private Q_SLOTS:
         server = std::make_unique<SshServerFixture>();
         QVERIFY2(server->Started(), qPrintable(server->Error()));
         QByteArray ssh = host.Profile(QStringLiteral("qmssh")) + "Locks=qm\n";
-        ssh.replace("Transport=local",
-                    QStringLiteral("Transport=ssh\nHost=127.0.0.1\nPort=%1\nSshConfig=%2")
-                        .arg(server->Port())
-                        .arg(server->ClientConfig())
-                        .toUtf8());
-        FileTestSupport::WriteFile(ConnectionProfiles::DefaultFile(), profiles + '\n' + ssh);
-        mvConnection::Instance().LoadProfiles(ConnectionProfiles::DefaultFile());
+        ssh.replace("Transport=local\n", server->ProfileLines());
+        FileTestSupport::UseProfiles(profiles + '\n' + ssh);
         QVERIFY(mvConnection::Instance().Profiles().Warnings.isEmpty());
         // Takes the item's lock the way a host program does, without waiting.
         host.WriteItem(QStringLiteral("BP"), QStringLiteral("TRYLOCK"),

@@ -3,7 +3,6 @@
 #include "SshServerFixture.h"
 #include "TestEnv.h"
 
-#include "documents/ConnectionProfiles.h"
 #include "documents/mvConnection.h"
 #include "documents/mvHost.h"
 #include "documents/mvResource.h"
@@ -22,14 +21,8 @@ private Q_SLOTS:
         if (!server->Started())
             QSKIP(qPrintable(server->Error()));
         QByteArray profile = host.Profile(QStringLiteral("qmssh"));
-        profile.replace("Transport=local",
-                        QStringLiteral("Transport=ssh\nHost=127.0.0.1\nPort=%1\nSshConfig=%2")
-                            .arg(server->Port())
-                            .arg(server->ClientConfig())
-                            .toUtf8());
-        FileTestSupport::WriteFile(ConnectionProfiles::DefaultFile(),
-                                   "[General]\nDefault=qmssh\n\n" + profile);
-        mvConnection::Instance().LoadProfiles(ConnectionProfiles::DefaultFile());
+        profile.replace("Transport=local\n", server->ProfileLines());
+        FileTestSupport::UseProfiles("[General]\nDefault=qmssh\n\n" + profile);
         QVERIFY(mvConnection::Instance().Profiles().Warnings.isEmpty());
     }
     void cleanupTestCase() { server.reset(); }
