@@ -7,52 +7,13 @@
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 
-#include <QProcess>
-#include <csignal>
-
-// Start-up and shutdown, in this process and as a real program.
+// Start-up and shutdown in this process; the ending signals of a real run are tst_RecoveryCrash's
+// and tst_modMain's.
 class tst_Lifecycle : public QObject {
     Q_OBJECT
 
-    static QString brix() {
-        return qEnvironmentVariable("BRIX_BUILD_DIR") + QStringLiteral("/brix");
-    }
-
-    // Starts the editor in a home of its own and waits until its frame is up.
-    static bool startEditor(QProcess& process, const QString& home) {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), home);
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/.config"));
-        env.insert(QStringLiteral("XDG_DATA_HOME"), home + QStringLiteral("/.local/share"));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        process.setProcessEnvironment(env);
-        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(brix(), {});
-        if (!process.waitForStarted(10000))
-            return false;
-        // Up once it has run a moment without ending; a start-up failure ends it at once.
-        return !process.waitForFinished(2500);
-    }
-
 private Q_SLOTS:
-    // The ending signals close the program through its orderly path (SIGTERM: tst_modMain).
-    void endingSignalsShutDownCleanly_data() {
-        QTest::addColumn<int>("signal");
-        QTest::newRow("SIGINT") << SIGINT;
-        QTest::newRow("SIGHUP") << SIGHUP;
-    }
-    void endingSignalsShutDownCleanly() {
-        QFETCH(int, signal);
-        QTemporaryDir home;
-        QProcess process;
-        QVERIFY(startEditor(process, home.path()));
-        ::kill(static_cast<pid_t>(process.processId()), signal);
-        QVERIFY(process.waitForFinished(20000));
-        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process.exitCode(), 0);
-    }
-
-    // In this process: Main builds the state in order, Shutdown takes it down once.
+    // Main builds the state in order, Shutdown takes it down once.
     void mainThenShutdownRunsOnce() {
         ProcessState& state = ProcessState::Instance();
         QVERIFY(Main(*qApp));
