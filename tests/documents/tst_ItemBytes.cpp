@@ -1,4 +1,5 @@
 #include "DocumentSession.h"
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
@@ -35,15 +36,6 @@ class tst_ItemBytes : public QObject {
         return {session.Account->Accounts() + QStringLiteral("/DEMO/BP/") + name,
                 QStringLiteral("mvdb://%1/DEMO/BP/%2").arg(form, name)};
     }
-    static void write(const QString& file, const QByteArray& bytes) {
-        QFile out(file);
-        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        out.write(bytes);
-    }
-    static QByteArray read(const QString& file) {
-        QFile in(file);
-        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
-    }
     // Opens, lets `edit` change the document, saves; gives the bytes on disk after.
     template <typename Edit> QByteArray roundTrip(const Place& at, Edit&& edit) {
         auto document = mvDocument::Create();
@@ -52,7 +44,7 @@ class tst_ItemBytes : public QObject {
         edit(*document);
         const bool saved = document->FileSave();
         document->FileClose(false);
-        return saved ? read(at.File) : QByteArray("<not saved>");
+        return saved ? FileTestSupport::ReadFile(at.File) : QByteArray("<not saved>");
     }
     static void addForms() {
         QTest::addColumn<QString>("form");
@@ -60,6 +52,7 @@ class tst_ItemBytes : public QObject {
         QTest::newRow("raw marks, Latin-1") << "rawlatin";
         QTest::newRow("raw marks, UTF-8") << "rawutf8";
         QTest::newRow("UTF-8 marks, UTF-8") << "utf8";
+        QTest::newRow("UTF-8 marks, Latin-1") << "utf8latin";
     }
 
 private Q_SLOTS:
@@ -70,32 +63,29 @@ private Q_SLOTS:
     void cleanupTestCase() { session.EndCase(); }
     void init() {
         session.StartTest();
-        // Three more hosts over the same accounts, one for each way of keeping bytes.
-        QFile profiles(session.Account->ProfilesFile());
-        QVERIFY(profiles.open(QIODevice::Append));
+        // Four more hosts over the same accounts, one for each way of keeping bytes.
+        QByteArray profiles = FileTestSupport::ReadFile(session.Account->ProfilesFile());
         const QByteArray folder = session.Account->Accounts().toUtf8();
-        for (const char* form :
-             {"rawlatin:raw:ISO-8859-1", "rawutf8:raw:UTF-8", "utf8:utf8:UTF-8"}) {
+        for (const char* form : {"rawlatin:raw:ISO-8859-1", "rawutf8:raw:UTF-8", "utf8:utf8:UTF-8",
+                                 "utf8latin:utf8:ISO-8859-1"}) {
             const QList<QByteArray> parts = QByteArray(form).split(':');
-            profiles.write("\n[" + parts[0] + "]\nAccountsFolder=" + folder +
-                           "\nDefaultAccount=DEMO\nMarks=" + parts[1] + "\nCharset=" + parts[2] +
-                           "\n");
+            profiles += "\n[" + parts[0] + "]\nAccountsFolder=" + folder +
+                        "\nDefaultAccount=DEMO\nMarks=" + parts[1] + "\nCharset=" + parts[2] + "\n";
         }
-        profiles.close();
-        mvConnection::Instance().LoadProfiles(session.Account->ProfilesFile());
+        FileTestSupport::UseProfiles(profiles);
     }
     void cleanup() { session.EndTest(true); }
 
-    // Each byte at the start, inside and at the end of a line, and as the last byte of the
-    // file, while another line is edited.
+    // Each byte at the start, inside (twice in a row) and at the end of a line, and as the
+    // last byte of the file, while another line is edited.
     void everyByteInEveryPlace_data() { addForms(); }
     void everyByteInEveryPlace() {
         QFETCH(QString, form);
         const Place at = place(form, QStringLiteral("BYTES"));
         for (int b = 0; b < 256; ++b) {
             const QByteArray c(1, char(b));
-            const QByteArray tail = c + "x" + c + "y" + c + "\nL3 " + c;
-            write(at.File, "L1\n" + tail);
+            const QByteArray tail = c + "x" + c + c + "y" + c + "\nL3 " + c;
+            FileTestSupport::WriteFile(at.File, "L1\n" + tail);
             const QByteArray back = roundTrip(at, [](mvDocument& d) {
                 d.Editor()->SetCursor(2, 0);
                 d.SetSelText(QStringLiteral("Z"));
@@ -116,7 +106,7 @@ private Q_SLOTS:
             QByteArray bytes(20000, Qt::Uninitialized);
             for (char& c : bytes)
                 c = char(random.bounded(256));
-            write(at.File, bytes);
+            FileTestSupport::WriteFile(at.File, bytes);
             QCOMPARE(roundTrip(at, [](mvDocument&) {}), bytes);
             // A new first line moves every other one down; each keeps its bytes.
             const QByteArray back = roundTrip(at, [](mvDocument& d) {
@@ -135,9 +125,9 @@ private Q_SLOTS:
                         QDirIterator::Subdirectories);
         while (it.hasNext()) {
             const QString source = it.next();
-            const QByteArray bytes = read(source);
+            const QByteArray bytes = FileTestSupport::ReadFile(source);
             const Place at = place(QStringLiteral("local"), QStringLiteral("PROGRAM"));
-            write(at.File, bytes);
+            FileTestSupport::WriteFile(at.File, bytes);
             auto document = mvDocument::Create();
             QVERIFY(document->FileOpen(at.Path, false));
             const std::string_view text = document->Buffer()->AllBytes();
@@ -147,7 +137,7 @@ private Q_SLOTS:
             document->SetDirty(true);
             QVERIFY(document->FileSave());
             document->FileClose(false);
-            QVERIFY2(read(at.File) == bytes, qPrintable(source));
+            QVERIFY2(FileTestSupport::ReadFile(at.File) == bytes, qPrintable(source));
             ++programs;
         }
         QVERIFY(programs > 100);
@@ -158,7 +148,7 @@ private Q_SLOTS:
     void nulBytesOpenWithANotice() {
         const Place at = place(QStringLiteral("local"), QStringLiteral("BINARY"));
         const QByteArray bytes("abc\0def\nx\0\0y", 13);
-        write(at.File, bytes);
+        FileTestSupport::WriteFile(at.File, bytes);
         auto document = mvDocument::Create();
         QVERIFY(document->FileOpen(at.Path, false));
         QCOMPARE(document->Buffer()->AllBytes(), std::string_view(bytes.constData(), 13));
@@ -168,7 +158,7 @@ private Q_SLOTS:
         document->SetSelText(QStringLiteral("Q"));
         QVERIFY(document->FileSave());
         document->FileClose(false);
-        QCOMPARE(read(at.File), QByteArray("abc\0def\nQx\0\0y", 14));
+        QCOMPARE(FileTestSupport::ReadFile(at.File), QByteArray("abc\0def\nQx\0\0y", 14));
     }
 
     // Marks typed into a local file follow the form the file has, and the setting in one
@@ -193,7 +183,7 @@ private Q_SLOTS:
         after.replace(']', '\xFD');
         Settings().LocalFileRawMarks = rawSetting;
         const Place at = place(QStringLiteral("local"), QStringLiteral("MARKS"));
-        write(at.File, before);
+        FileTestSupport::WriteFile(at.File, before);
         QCOMPARE(roundTrip(at,
                            [](mvDocument& d) {
                                d.Editor()->SetCursor(0, 0);
@@ -211,12 +201,12 @@ private Q_SLOTS:
         QVERIFY(ConnectionProfiles::EnsureDemoAccount());
         QVERIFY(
             copy.startsWith(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)));
-        const QByteArray hello = read(shipped + QStringLiteral("/BP/HELLO"));
-        QCOMPARE(read(copy + QStringLiteral("/BP/HELLO")), hello);
+        const QByteArray hello = FileTestSupport::ReadFile(shipped + QStringLiteral("/BP/HELLO"));
+        QCOMPARE(FileTestSupport::ReadFile(copy + QStringLiteral("/BP/HELLO")), hello);
         QVERIFY(QFileInfo(copy + QStringLiteral("/CUSTOMERS/DATA.30")).exists());
-        write(copy + QStringLiteral("/BP/HELLO"), "changed");
+        FileTestSupport::WriteFile(copy + QStringLiteral("/BP/HELLO"), "changed");
         QCOMPARE(ConnectionProfiles::DemoAccountFolder(), copy);
-        QCOMPARE(read(shipped + QStringLiteral("/BP/HELLO")), hello);
+        QCOMPARE(FileTestSupport::ReadFile(shipped + QStringLiteral("/BP/HELLO")), hello);
     }
 };
 
