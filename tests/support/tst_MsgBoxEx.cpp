@@ -89,12 +89,8 @@ private Q_SLOTS:
         QTest::newRow("Yes to All, ticked")
             << (MsgBox::YesToAllNo | MsgBox::CheckBox) << "button" << MsgBox::YesToAll << true
             << MsgBox::YesToAll + MsgBox::Ticked << true;
-        QTest::newRow("type 10 middle") << MsgBox::YesToAllNoCancel << "button" << MsgBox::YesToAll
-                                        << false << MsgBox::YesToAll << true;
         QTest::newRow("No, check box left") << (MsgBox::YesToAllNo | MsgBox::CheckBox) << "button"
                                             << MsgBox::No << false << MsgBox::No << true;
-        QTest::newRow("tick without check box")
-            << MsgBox::YesNo << "button" << MsgBox::Yes << true << MsgBox::Yes << true;
         QTest::newRow("type 9 ignores Escape")
             << MsgBox::YesToAllNo << "esc" << 0 << false << MsgBox::No << false;
         QTest::newRow("type 9 ignores the close box")
@@ -116,8 +112,6 @@ private Q_SLOTS:
                                             << "enter" << 0 << false << MsgBox::Cancel << true;
         QTest::newRow("fourth default falls back to the first")
             << (MsgBox::YesNo | 0x300) << "enter" << 0 << false << MsgBox::Yes << true;
-        QTest::newRow("Try Again") << MsgBox::CancelTryContinue << "button" << MsgBox::TryAgain
-                                   << false << MsgBox::TryAgain << true;
         QTest::newRow("sound bit and ticked Abort")
             << (MsgBox::AbortRetryIgnore | MsgBox::Critical | MsgBox::PlaySound | MsgBox::CheckBox)
             << "button" << MsgBox::Abort << true << MsgBox::Abort + MsgBox::Ticked << true;
