@@ -99,15 +99,9 @@ class tst_modSave : public QObject {
         sshd = std::make_unique<SshServerFixture>();
         if (!sshd->Started())
             return {};
-        const QString file = account->ProfilesFile();
-        FileTestSupport::WriteFile(
-            file, FileTestSupport::ReadFile(file) +
-                      QStringLiteral("\n[remote]\nTransport=ssh\nHost=127.0.0.1\nPort=%1\n"
-                                     "SshConfig=%2\nAccountsFolder=%3\nDefaultAccount=DEMO\n")
-                          .arg(sshd->Port())
-                          .arg(sshd->ClientConfig(), account->Accounts())
-                          .toUtf8());
-        mvConnection::Instance().LoadProfiles(file);
+        FileTestSupport::UseProfiles(FileTestSupport::ReadFile(account->ProfilesFile()) +
+                                     "\n[remote]\n" + sshd->ProfileLines() + "AccountsFolder=" +
+                                     account->Accounts().toUtf8() + "\nDefaultAccount=DEMO\n");
         return QStringLiteral("mvdb://remote/DEMO/BP/") + item;
     }
 
@@ -190,21 +184,23 @@ private Q_SLOTS:
     }
 
     // A write that fails keeps the text and its modified state, and the item on the host
-    // stays as it was, whether through FileSave or past the lock move of SaveToResource.
+    // stays as it was: through FileSave, past the lock move of SaveToResource, and in the
+    // close's question, where it stops the close at that document.
     void failedWriteKeepsEverything_data() {
-        QTest::addColumn<bool>("saveAs");
-        QTest::newRow("save") << false;
-        QTest::newRow("save as") << true;
+        QTest::addColumn<QString>("how");
+        QTest::newRow("save") << "save";
+        QTest::newRow("save as") << "save as";
+        QTest::newRow("close") << "close";
     }
     void failedWriteKeepsEverything() {
-        QFETCH(bool, saveAs);
+        QFETCH(QString, how);
         // The account stores Latin-1: a character outside it can't be written.
         auto d = editedItem("HELLO", QString::fromUtf8("CRT '\xe2\x82\xac'\n"));
         QVERIFY(d);
         const QString text = d->Text();
         const QByteArray hello = account->ReadItem("BP", "HELLO");
         const QByteArray other = account->ReadItem("LIB", "OTHER");
-        if (saveAs) {
+        if (how == "save as") {
             answers->Push(MsgBox::Yes);
             QVERIFY(!d->FileSaveAs(HostAccountFixture::ItemPath("LIB", "OTHER")));
             QCOMPARE(answers->Seen.size(), 2);
@@ -212,6 +208,12 @@ private Q_SLOTS:
             QCOMPARE(d->ItemID(), QStringLiteral("OTHER"));
             QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
             QCOMPARE(account->LockHolder("LIB", "OTHER"), qint64(::getpid()));
+        } else if (how == "close") {
+            answers->Push(MsgBox::Yes);
+            QCOMPARE(frame->CloseDocument(d), int16_t(frmMain::Cancelled));
+            QCOMPARE(answers->Seen.size(), 2);
+            QVERIFY(state().Documents->Contains(QString::number(d->DocumentNumber())));
+            QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(::getpid()));
         } else {
             QVERIFY(!d->FileSave());
             QCOMPARE(answers->Seen.size(), 1);
@@ -237,41 +239,30 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("messages");
         QTest::addColumn<bool>("saved");
 
+        const auto row = [](const char* tag, bool readOnly, const QString& target, bool locking,
+                            bool lockedByOther, const QList<int32_t>& replies,
+                            const QStringList& messages, bool saved) {
+            QTest::newRow(tag) << readOnly << target << locking << lockedByOther << replies
+                               << messages << saved;
+        };
         const QString lib = HostAccountFixture::ItemPath("LIB", "OTHER");
         const QString overwrite = QStringLiteral("Item 'OTHER' exists. Overwrite?");
-        const QList<int32_t> none;
-        QTest::newRow("same item")
-            << false << bp("HELLO") << true << false << none << QStringList() << true;
-        QTest::newRow("same item read only")
-            << true << bp("HELLO") << true << false << none
-            << QStringList{"Item 'HELLO' is open in read-only mode. Please save using a "
-                           "different name."}
-            << false;
-        QTest::newRow("new item") << false << bp("NEWONE") << true << false << none << QStringList()
-                                  << true;
-        QTest::newRow("read-only document to a new item")
-            << true << bp("NEWONE") << true << false << none << QStringList() << true;
-        QTest::newRow("existing, Yes")
-            << false << lib << true << false << QList<int32_t>{MsgBox::Yes}
-            << QStringList{overwrite} << true;
-        QTest::newRow("existing, No") << false << lib << true << false << QList<int32_t>{MsgBox::No}
-                                      << QStringList{overwrite} << false;
-        QTest::newRow("existing, protected")
-            << false << bp("PROT") << true << false << none
-            << QStringList{"Item 'PROT' exists and cannot be overwritten. Please save using a "
-                           "different name."}
-            << false;
-        QTest::newRow("hashed file")
-            << false << HostAccountFixture::ItemPath("CUSTOMERS", "X") << true << false << none
-            << QStringList{"'X' appears to be a file or folder and cannot be overwritten!"}
-            << false;
-        QTest::newRow("locked by other")
-            << false << lib << true << true << QList<int32_t>{MsgBox::Yes}
-            << QStringList{overwrite, "Item 'OTHER' is currently locked and cannot be updated!"}
-            << false;
-        QTest::newRow("locked by other, no locking")
-            << false << lib << false << true << QList<int32_t>{MsgBox::Yes}
-            << QStringList{overwrite} << true;
+        const QList<int32_t> none, yes{MsgBox::Yes};
+        row("same item", false, bp("HELLO"), true, false, none, {}, true);
+        row("same item read only", true, bp("HELLO"), true, false, none,
+            {"Item 'HELLO' is open in read-only mode. Please save using a different name."}, false);
+        row("new item", false, bp("NEWONE"), true, false, none, {}, true);
+        row("read-only document to a new item", true, bp("NEWONE"), true, false, none, {}, true);
+        row("existing, Yes", false, lib, true, false, yes, {overwrite}, true);
+        row("existing, No", false, lib, true, false, {MsgBox::No}, {overwrite}, false);
+        row("existing, protected", false, bp("PROT"), true, false, none,
+            {"Item 'PROT' exists and cannot be overwritten. Please save using a different name."},
+            false);
+        row("hashed file", false, HostAccountFixture::ItemPath("CUSTOMERS", "X"), true, false, none,
+            {"'X' appears to be a file or folder and cannot be overwritten!"}, false);
+        row("locked by other", false, lib, true, true, yes,
+            {overwrite, "Item 'OTHER' is currently locked and cannot be updated!"}, false);
+        row("locked by other, no locking", false, lib, false, true, yes, {overwrite}, true);
     }
     void saveToResource() {
         QFETCH(bool, openReadOnly);
@@ -522,17 +513,6 @@ private Q_SLOTS:
         QCOMPARE(account->ReadItem("BP", "HELLO") != before, written);
     }
 
-    // A failed save in PromptToSave stops the close at that document.
-    void failedSaveWhileClosingKeepsTheDocument() {
-        auto d = editedItem("HELLO", QString::fromUtf8("\xe2\x82\xac"));
-        QVERIFY(d);
-        answers->Push(MsgBox::Yes);
-        QCOMPARE(frame->CloseDocument(d), int16_t(frmMain::Cancelled));
-        QCOMPARE(answers->Seen.size(), 2);
-        QVERIFY(state().Documents->Contains(QString::number(d->DocumentNumber())));
-        QVERIFY(d->IsDirty());
-    }
-
     // Closing the frame with five unsaved documents: the answers go one by one, and Cancel
     // on the third keeps the program up with three documents open.
     void closingTheFrameAsksPerDocument() {
@@ -712,16 +692,16 @@ private Q_SLOTS:
                     QStringLiteral("round %1: %2 bytes on disk").arg(round).arg(onDisk.size())));
             ++seen[which];
         }
-        const int strays =
-            QDir(account->Accounts() + QStringLiteral("/DEMO/BP"))
-                .entryList({QStringLiteral(".brix-save-*")}, QDir::Files | QDir::Hidden)
-                .size();
+        // Left-over temporary files neither show as items nor stop a read or a save.
+        const QString folder = account->Accounts() + QStringLiteral("/DEMO/BP");
+        const auto temporaries = [&] {
+            return QDir(folder).entryList({QStringLiteral(".brix-save-*")},
+                                          QDir::Files | QDir::Hidden);
+        };
         qInfo("killed %d saves (%lld ms each): original %d, first version %d, second %d; %d "
               "temporary files left",
-              rounds, perSave, seen[2], seen[0], seen[1], strays);
+              rounds, perSave, seen[2], seen[0], seen[1], int(temporaries().size()));
         QVERIFY(seen[0] + seen[1] > 0);
-
-        // Left-over temporary files neither show as items nor stop a read or a save.
         const auto listing =
             std::static_pointer_cast<HostResource>(resource(HostAccountFixture::ItemPath("BP", "")))
                 ->Children();
@@ -729,11 +709,6 @@ private Q_SLOTS:
             QVERIFY2(!child.Name.startsWith('.'), qPrintable(child.Name));
         // Those of saves killed long ago go with this process's first save in the folder;
         // one that may still be written stays.
-        const QString folder = account->Accounts() + QStringLiteral("/DEMO/BP");
-        const auto temporaries = [&] {
-            return QDir(folder).entryList({QStringLiteral(".brix-save-*")},
-                                          QDir::Files | QDir::Hidden);
-        };
         QStringList aged = temporaries();
         aged << QStringLiteral(".brix-save-old");
         for (const QString& name : aged) {
@@ -742,9 +717,7 @@ private Q_SLOTS:
             QVERIFY(stray.setFileTime(QDateTime::currentDateTime().addSecs(-2 * 3600),
                                       QFileDevice::FileModificationTime));
         }
-        QFile fresh(folder + QStringLiteral("/.brix-save-fresh"));
-        QVERIFY(fresh.open(QIODevice::WriteOnly));
-        fresh.close();
+        FileTestSupport::WriteFile(folder + QStringLiteral("/.brix-save-fresh"), {});
         auto d = mvDocument::Create();
         QVERIFY(d->FileOpen(bp("HELLO"), false));
         QVERIFY(d->Text().size() > 100000);
