@@ -34,9 +34,7 @@ void TestEnv::Init() {
     QStandardPaths::setTestModeEnabled(true);
 }
 
-QString TestEnv::Home() {
-    return g_home ? g_home->path() : QDir::homePath();
-}
+QString TestEnv::Home() { return g_home ? g_home->path() : QDir::homePath(); }
 
 QString TestEnv::Fixture(const QString& name) {
     return QStringLiteral(BRIX_FIXTURES) + QLatin1Char('/') + name;
