@@ -138,10 +138,10 @@ private Q_SLOTS:
         QCOMPARE(rows(printed).size(), 3);
     }
 
+    // The untitled header is numbersAndHeaders'.
     void titleNamesTheResource_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("title");
-        QTest::newRow("new") << QString() << "File: (untitled)";
         QTest::newRow("local file") << "local/prog.bp"
                                     << "File: prog.bp";
         QTest::newRow("item") << "item"
@@ -152,12 +152,10 @@ private Q_SLOTS:
         QFETCH(QString, title);
         if (path == QStringLiteral("item")) {
             QVERIFY(doc->FileOpen(HostAccountFixture::ItemPath("BP", "HELLO"), true));
-        } else if (!path.isEmpty()) {
+        } else {
             const QString file = session.Account->Accounts() + QLatin1Char('/') + path;
             FileTestSupport::WriteFile(file, "PRINT 1\n");
             QVERIFY(doc->FileOpen(file, true));
-        } else {
-            doc->SetText(QStringLiteral("PRINT 1"));
         }
         const QStringList printed = print();
         QVERIFY(!printed.isEmpty());

@@ -139,12 +139,8 @@ private Q_SLOTS:
         QCOMPARE(item->ReadText(), QStringLiteral("CRT 1\r\nEND\r\n"));
         host.WriteItem(QStringLiteral("BP"), id, "CRT 'theirs'\nEND\n");
         auto refusedWith = [&] {
-            try {
-                item->WriteText(QStringLiteral("CRT 'mine'\r\nEND\r\n"));
-            } catch (const BrixError& e) {
-                return e.Number;
-            }
-            return 0;
+            return FileTestSupport::ErrorOf(
+                [&] { item->WriteText(QStringLiteral("CRT 'mine'\r\nEND\r\n")); });
         };
         QCOMPARE(refusedWith(), ConnectionErrors::ChangedOnHost);
         QCOMPARE(host.ReadItem(QStringLiteral("BP"), id), QByteArray("CRT 'theirs'\nEND\n"));
@@ -183,12 +179,9 @@ private Q_SLOTS:
                                      "only\" mode instead?"));
         QVERIFY2(boxes.Seen.at(1).Text.contains(QStringLiteral("is locked by QM user ") + user),
                  qPrintable(boxes.Seen.at(1).Text));
-        try {
-            mvConnection::Instance().GetResource(path(server, id), false, true);
-            QFAIL("the lock was given while a QM program held it");
-        } catch (const BrixError& e) {
-            QCOMPARE(e.Number, BrixErrors::LockedByOther);
-        }
+        QCOMPARE(FileTestSupport::ErrorOf(
+                     [&] { mvConnection::Instance().GetResource(path(server, id), false, true); }),
+                 BrixErrors::LockedByOther);
 
         holder.write("go\n");
         QVERIFY(holder.waitForFinished(60000));
