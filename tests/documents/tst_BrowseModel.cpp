@@ -41,10 +41,8 @@ private Q_SLOTS:
         FileTestSupport::WriteFile(local + QStringLiteral("/keys.txt"), "k");
         FileTestSupport::WriteFile(local + QStringLiteral("/notes.md"), "n");
         FileTestSupport::WriteFile(local + QStringLiteral("/sub/inner.txt"), "i");
-        FileTestSupport::WriteFile(ConnectionProfiles::DefaultFile(),
-                                   "[prod]\nAccountsFolder=" + accounts.toUtf8() +
-                                       "\nDefaultAccount=ACC\n");
-        mvConnection::Instance().Initialize(1);
+        FileTestSupport::UseProfiles("[prod]\nAccountsFolder=" + accounts.toUtf8() +
+                                     "\nDefaultAccount=ACC\n");
         lockByOther(QStringLiteral("LOCKED"));
     }
 

@@ -19,14 +19,6 @@ class tst_mvConnection : public QObject {
     QString accounts;
 
     static mvConnection& connection() { return mvConnection::Instance(); }
-    void useProfiles(const QByteArray& ini) {
-        const QString file = ConnectionProfiles::DefaultFile();
-        if (ini.isEmpty())
-            QFile::remove(file);
-        else
-            FileTestSupport::WriteFile(file, ini);
-        connection().Initialize(1);
-    }
     QByteArray prodProfile() const {
         return "[General]\nDefault=prod\n\n[prod]\nLabel=PROD, EU\nAccountsFolder=" +
                accounts.toUtf8() + "\nAccounts\\OTHER=" + accounts.toUtf8() +
@@ -58,7 +50,7 @@ private Q_SLOTS:
                                                                               "C\n");
         FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
     }
-    void init() { useProfiles(prodProfile()); }
+    void init() { FileTestSupport::UseProfiles(prodProfile()); }
 
     void pathsThereAndBack_data() {
         QTest::addColumn<QStringList>("parts");
@@ -118,13 +110,13 @@ private Q_SLOTS:
         QCOMPARE(prod.Accounts.size(), 1);
         QVERIFY(p.Warnings.isEmpty());
 
-        useProfiles({});
+        FileTestSupport::UseProfiles({});
         QCOMPARE(connection().Profiles().DefaultName(), QStringLiteral("demo"));
 
         // A default that names no connection is told, with the one that stands in.
         QByteArray misnamed = prodProfile();
         misnamed.replace("Default=prod", "Default=prdo");
-        useProfiles(misnamed);
+        FileTestSupport::UseProfiles(misnamed);
         const QString standIn = connection().Profiles().DefaultName();
         QVERIFY(connection().Profiles().Find(standIn));
         QCOMPARE(connection().Profiles().Warnings,
@@ -134,9 +126,10 @@ private Q_SLOTS:
     }
 
     void sshProfiles() {
-        useProfiles("[remote]\nTransport=ssh\nHost=mv.example.com\nPort=2222\nUser=alice\n"
-                    "IdentityFile=~/.ssh/id_mv\nLocks=QM\n\n[nohost]\nTransport=ssh\n"
-                    "Port=99999\n\n[odd]\nTransport=telnet\nLocks=database\n");
+        FileTestSupport::UseProfiles(
+            "[remote]\nTransport=ssh\nHost=mv.example.com\nPort=2222\nUser=alice\n"
+            "IdentityFile=~/.ssh/id_mv\nLocks=QM\n\n[nohost]\nTransport=ssh\n"
+            "Port=99999\n\n[odd]\nTransport=telnet\nLocks=database\n");
         const ConnectionProfiles& p = connection().Profiles();
         const HostProfile& remote = *p.Find(QStringLiteral("remote"));
         QCOMPARE(remote.SshHost, QStringLiteral("mv.example.com"));
@@ -158,7 +151,7 @@ private Q_SLOTS:
 
     // A newcomer's first path: the demo account through the default connection.
     void demoAccount() {
-        useProfiles({});
+        FileTestSupport::UseProfiles({});
         auto hello =
             connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
         QVERIFY(hello->Exists());
@@ -259,7 +252,7 @@ private Q_SLOTS:
 
         auto server = connection().GetResource(QStringLiteral("mvdb://prod///"), true, false);
         QCOMPARE(server->Host()->Session().AccountName, QStringLiteral("ACC"));
-        useProfiles({});
+        FileTestSupport::UseProfiles({});
         auto demo = connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
         FileTestSupport::WriteFile(ConnectionProfiles::DemoAccountFolder() +
                                        QStringLiteral("/BP/BROKEN"),
