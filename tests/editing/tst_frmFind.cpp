@@ -186,10 +186,10 @@ private Q_SLOTS:
             "Search text not found in selection.", "3,0>2,1");
         row("none in document", plain, false, "zz", "ab abab\nCabD ab",
             "Search text not found in document.", "3,0>2,1");
-        // Columns count UTF-16 units: the astral character is two. QTest::newRow("wide characters")
-        // << QStringLiteral("ab \u00e9\U0001D11Eab ab\nCab\u00e9 ab") << false << "ab" <<
-        // QStringLiteral("x \u00e9\U0001D11Ex x\nCx\u00e9 x") << "5 occurrences replaced." <<
-        // "2,0>1,1";
+        // Columns count UTF-16 units: the astral character is two.
+        row("wide characters", QStringLiteral("ab \u00e9\U0001D11Eab ab\nCab\u00e9 ab"), false,
+            "ab", QStringLiteral("x \u00e9\U0001D11Ex x\nCx\u00e9 x"), "5 occurrences replaced.",
+            "2,0>1,1");
     }
     void replaceAll() {
         QFETCH(QString, before);

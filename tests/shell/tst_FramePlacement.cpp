@@ -101,8 +101,8 @@ private Q_SLOTS:
         row("below nine tenths of the height", twips(10, 1000, 800, 600), hd,
             TwipsRect{10 * Twips, 2025, 800 * Twips, 600 * Twips});
         row("too wide and too tall", twips(0, 0, 4000, 2000), hd, twips(0, 0, 1920, 1080));
-        // A monitor left of the primary one: the desktop starts at a negative x. const TwipsRect
-        // wide = twips(-1280, 0, 3200, 1080);
+        // A monitor left of the primary one: the desktop starts at a negative x.
+        const TwipsRect wide = twips(-1280, 0, 3200, 1080);
         row("on the left monitor", twips(-1000, 10, 800, 600), wide, twips(-1000, 10, 800, 600));
         row("beyond origin plus extent", twips(1800, 10, 800, 600), wide,
             TwipsRect{3600, 10 * Twips, 800 * Twips, 600 * Twips});

@@ -486,16 +486,14 @@ private Q_SLOTS:
         QVERIFY(first && second);
         settle();
         QVERIFY(second->View()->WindowState() == frmDocument::Maximized);
+        BoxAnswers answers;
+        answers.Push(MsgBox::No);
         if (how == 2) {
-            BoxAnswers answers;
-            answers.Push(MsgBox::No);
             auto missing = mvDocument::Create();
             QVERIFY(!missing->FileOpen(mvConnection::Instance().MakeFilePath(
                                            {}, {}, dir.filePath(QStringLiteral("none.bas"))),
                                        false));
         } else {
-            BoxAnswers answers;
-            answers.Push(MsgBox::No);
             if (how == 1)
                 second->SetSelText(QStringLiteral("X"));
             auto* window = qobject_cast<QMdiSubWindow*>(second->View()->Widget());
