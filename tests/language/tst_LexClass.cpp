@@ -352,8 +352,9 @@ private Q_SLOTS:
         QCOMPARE(t.Length, 0);
     }
 
-    // An index moved anywhere doesn't break the scan.
-    void interfaceMembers() {
+    // An index moved anywhere doesn't break the scan, and the buffer's length wins over the
+    // text it hands in.
+    void scanBounds() {
         const QString line = QStringLiteral("IF X THEN");
         view->Buffer().SetAllText(line);
         lex->ISourceLex4_BeginLineScan(view->Buffer(), 0, line, 0);
@@ -374,14 +375,10 @@ private Q_SLOTS:
         bool rescan = true;
         lex->ISourceLex4_EndLineScan(view->Buffer(), rescan);
         QVERIFY(!rescan);
-    }
 
-    // The buffer's length wins over the text it hands in.
-    void textCutToTheLineLength() {
         view->Buffer().SetAllText(QStringLiteral("AB"));
         const QString longer = QStringLiteral("AB\"CD");
         lex->ISourceLex4_BeginLineScan(view->Buffer(), 0, longer, 0);
-        SourceToken t;
         lex->ISourceLex4_ScanToken(t);
         QCOMPARE(t.Length, 2);
         lex->ISourceLex4_ScanToken(t);

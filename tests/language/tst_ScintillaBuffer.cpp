@@ -9,6 +9,7 @@
 #include <QRandomGenerator>
 #include <QScrollBar>
 #include <functional>
+#include <numeric>
 
 namespace {
 
@@ -368,15 +369,11 @@ private Q_SLOTS:
     // and the selection stays on its lines.
     void editsInsideAnOperation_data() {
         QTest::addColumn<QList<int>>("order");
-        const auto lines = [](int from, int to, int step) {
-            QList<int> out;
-            for (int i = from; step > 0 ? i <= to : i >= to; i += step)
-                out << i;
-            return out;
-        };
-        QTest::newRow("every line") << lines(0, 39, 1);
-        QTest::newRow("far apart") << lines(2, 39, 10);
-        QTest::newRow("bottom up") << lines(39, 0, -1);
+        QList<int> every(40);
+        std::iota(every.begin(), every.end(), 0);
+        QTest::newRow("every line") << every;
+        QTest::newRow("far apart") << QList<int>{2, 12, 22, 32};
+        QTest::newRow("bottom up") << QList<int>(every.rbegin(), every.rend());
         QTest::newRow("back and forth") << QList<int>{5, 6, 5, 30, 7, 31, 0, 39, 38};
     }
     void editsInsideAnOperation() {
