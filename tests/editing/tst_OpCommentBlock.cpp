@@ -27,26 +27,19 @@ private Q_SLOTS:
         QTest::addColumn<QString>("expected");
         const QString plain = QStringLiteral("X = 1\n   Y = 2\n\nZ");
         const QString marked = QStringLiteral("*A\n   * B\n   !C\n  X\n!\n");
-        struct Case {
-            const char* name;
-            bool comment;
-            int star, bang;
-            QString text;
-            const char* expected;
-        };
-        const Case cases[] = {
-            {"comment at the margin", true, 0, 0, plain, "  *X = 1\n  *   Y = 2\n  *\n  *Z"},
-            {"comment at the indentation", true, 1, 0, plain, "*X = 1\n   *Y = 2\n*\n*Z"},
-            {"comment in column 1", true, 2, 0, plain, "*X = 1\n*   Y = 2\n*\n*Z"},
-            {"uncomment takes the indentation along at the margin", false, 0, 0, marked,
-             "A\n B\nC\n  X\n\n"},
-            {"uncomment takes the mark alone", false, 1, 2, marked, "A\n    B\n   C\n  X\n\n"},
-        };
-        for (const Case& c : cases)
+        const auto add = [](const char* name, bool comment, int star, int bang, const QString& text,
+                            const char* expected) {
             for (const auto kind : {EditHarness::Editor, EditHarness::Memory})
-                QTest::addRow("%s, %s", c.name, EditHarness::Name(kind))
-                    << int(kind) << c.comment << c.star << c.bang << c.text
-                    << QString::fromLatin1(c.expected);
+                QTest::addRow("%s, %s", name, EditHarness::Name(kind))
+                    << int(kind) << comment << star << bang << text
+                    << QString::fromLatin1(expected);
+        };
+        add("comment at the margin", true, 0, 0, plain, "  *X = 1\n  *   Y = 2\n  *\n  *Z");
+        add("comment at the indentation", true, 1, 0, plain, "*X = 1\n   *Y = 2\n*\n*Z");
+        add("comment in column 1", true, 2, 0, plain, "*X = 1\n*   Y = 2\n*\n*Z");
+        add("uncomment takes the indentation along at the margin", false, 0, 0, marked,
+            "A\n B\nC\n  X\n\n");
+        add("uncomment takes the mark alone", false, 1, 2, marked, "A\n    B\n   C\n  X\n\n");
     }
     void marks() {
         QFETCH(int, kind);

@@ -70,96 +70,78 @@ private Q_SLOTS:
         QTest::addColumn<QString>("userWords");
         QTest::addColumn<QString>("input");
         QTest::addColumn<QString>("expected");
-        struct Case {
-            const char* name;
-            QList<int> options;
-            const char* userWords;
-            QString input;
-            QString expected;
-        };
         const QList<int> plain{3, 0, 1, 0};
-        const Case cases[] = {
-            {"blocks", plain, "",
-             lines({"FOR I = 1 TO 10", "IF A THEN", "X = 1", "END ELSE", "X = 2", "END", "LOOP",
-                    "READNEXT ID ELSE EXIT", "WHILE ID # ''", "PRINT ID", "REPEAT", "BEGIN CASE",
-                    "CASE X = 1", "Y = 1", "CASE 1", "Y = 2", "END CASE", "NEXT I"}),
-             lines({"FOR I = 1 TO 10", "   IF A THEN", "      X = 1", "   END ELSE", "      X = 2",
-                    "   END", "   LOOP", "      READNEXT ID ELSE EXIT", "   WHILE ID # ''",
-                    "      PRINT ID", "   REPEAT", "   BEGIN CASE", "      CASE X = 1",
-                    "         Y = 1", "      CASE 1", "         Y = 2", "   END CASE", "NEXT I"})},
-            {"unbalanced closers stay at level 0", plain, "",
-             lines({"   NEXT I", "  END", " X = 1"}), lines({"NEXT I", "END", "X = 1"})},
-            {"blank lines and trailing spaces", plain, "",
-             lines({"FOR I=1 TO 2", "", "     ", "X=1  ", "NEXT I   "}),
-             lines({"FOR I=1 TO 2", "", "", "   X=1", "NEXT I"})},
-            {"labels against the margin",
-             {3, 6, 1, 0},
-             "",
-             lines({"FOR I = 1 TO 2", "FOR J = 1 TO 2", "X = 1", "  100: X = 2",
-                    "LABEL.WITH.20.CHARS: X = 3", "  100:   ", "10 Y = 1", "NEXT J", "NEXT I"}),
-             lines({"      FOR I = 1 TO 2", "         FOR J = 1 TO 2", "            X = 1",
-                    "100:        X = 2", "LABEL.WITH.20.CHARS: X = 3", "100:", "10          Y = 1",
-                    "         NEXT J", "      NEXT I"})},
-            {"star indented, bang at the margin",
-             {3, 6, 1, 0},
-             "",
-             lines({"FOR I = 1 TO 2", "* star", "   ! bang", "10 * labelled", "NEXT I"}),
-             lines({"      FOR I = 1 TO 2", "         * star", "      ! bang",
-                    "10       * labelled", "      NEXT I"})},
-            {"star at the margin, bang in column 1",
-             {3, 6, 0, 2},
-             "",
-             lines({"FOR I = 1 TO 2", "* star", "   ! bang", "10 * labelled", "NEXT I"}),
-             lines({"      FOR I = 1 TO 2", "      * star", "! bang", "10    * labelled",
-                    "      NEXT I"})},
-            {"star in column 1, bang indented",
-             {3, 6, 2, 1},
-             "",
-             lines({"FOR I = 1 TO 2", "   * star", "! bang", "10 * labelled", "NEXT I"}),
-             lines({"      FOR I = 1 TO 2", "* star", "         ! bang", "10 * labelled",
-                    "      NEXT I"})},
-            {"THEN opens only as the last word", plain, "",
-             lines({"IF X THEN Y = 1", "IF X THEN", "Y = 1", "END", "IF X THEN ;* note", "Y = 2",
-                    "END", "READU R FROM F, K LOCKED", "Z = 1", "END"}),
-             lines({"IF X THEN Y = 1", "IF X THEN", "   Y = 1", "END", "IF X THEN ;* note",
-                    "   Y = 2", "END", "READU R FROM F, K LOCKED", "   Z = 1", "END"})},
-            {"FOR with its tail or its NEXT on one line", plain, "",
-             lines({"FOR I = 1 TO 9 WHILE X", "Y = 1", "NEXT I", "FOR I = 1 TO 3 ; X = I ; NEXT I",
-                    "Y = 2"}),
-             lines({"FOR I = 1 TO 9 WHILE X", "   Y = 1", "NEXT I",
-                    "FOR I = 1 TO 3 ; X = I ; NEXT I", "Y = 2"})},
-            {"a tab is text", plain, "",
-             lines({"FOR I = 1 TO 2", "\tX = 1", "  \t Y = 2", "NEXT I"}),
-             lines({"FOR I = 1 TO 2", "   \tX = 1", "   \t Y = 2", "NEXT I"})},
-            {"marks stay in strings and comments", plain, "",
-             lines({"LOOP",
-                    "X = \"A\x1d"
-                    "B\x1c"
-                    "C\"   ",
-                    "  * note \x1d here", "REPEAT"}),
-             lines({"LOOP",
-                    "   X = \"A\x1d"
-                    "B\x1c"
-                    "C\"",
-                    "   * note \x1d here", "REPEAT"})},
-            {"user block words", plain, "OPEN.BLOCK+ CLOSE.BLOCK- MIDDLE= STARTS[ ENDS]",
-             lines({"OPEN.BLOCK", "X = 1", "MIDDLE", "X = 2", "CLOSE.BLOCK", "STARTS X", "Y = 1",
-                    "CLOSE.BLOCK", "X = STARTS", "Z = 1", "A ENDS", "B = 1", "CLOSE.BLOCK",
-                    "A ENDS B", "C = 1"}),
-             lines({"OPEN.BLOCK", "   X = 1", "MIDDLE", "   X = 2", "CLOSE.BLOCK", "STARTS X",
-                    "   Y = 1", "CLOSE.BLOCK", "X = STARTS", "Z = 1", "A ENDS", "   B = 1",
-                    "CLOSE.BLOCK", "A ENDS B", "C = 1"})},
-            {"a zero step keeps every line at the margin",
-             {0, 2, 1, 1},
-             "",
-             lines({"FOR I = 1 TO 2", "X = 1", "NEXT I"}),
-             lines({"  FOR I = 1 TO 2", "  X = 1", "  NEXT I"})},
-        };
-        for (const Case& c : cases)
+        const auto add = [](const char* name, const QList<int>& options, const char* userWords,
+                            const QString& input, const QString& expected) {
             for (const auto kind : kKinds)
-                QTest::addRow("%s, %s", c.name, EditHarness::Name(kind))
-                    << int(kind) << c.options << QString::fromUtf8(c.userWords) << c.input
-                    << c.expected;
+                QTest::addRow("%s, %s", name, EditHarness::Name(kind))
+                    << int(kind) << options << QString::fromUtf8(userWords) << input << expected;
+        };
+        add("blocks", plain, "",
+            lines({"FOR I = 1 TO 10", "IF A THEN", "X = 1", "END ELSE", "X = 2", "END", "LOOP",
+                   "READNEXT ID ELSE EXIT", "WHILE ID # ''", "PRINT ID", "REPEAT", "BEGIN CASE",
+                   "CASE X = 1", "Y = 1", "CASE 1", "Y = 2", "END CASE", "NEXT I"}),
+            lines({"FOR I = 1 TO 10", "   IF A THEN", "      X = 1", "   END ELSE", "      X = 2",
+                   "   END", "   LOOP", "      READNEXT ID ELSE EXIT", "   WHILE ID # ''",
+                   "      PRINT ID", "   REPEAT", "   BEGIN CASE", "      CASE X = 1",
+                   "         Y = 1", "      CASE 1", "         Y = 2", "   END CASE", "NEXT I"}));
+        add("unbalanced closers stay at level 0", plain, "",
+            lines({"   NEXT I", "  END", " X = 1"}), lines({"NEXT I", "END", "X = 1"}));
+        add("blank lines and trailing spaces", plain, "",
+            lines({"FOR I=1 TO 2", "", "     ", "X=1  ", "NEXT I   "}),
+            lines({"FOR I=1 TO 2", "", "", "   X=1", "NEXT I"}));
+        add("labels against the margin", {3, 6, 1, 0}, "",
+            lines({"FOR I = 1 TO 2", "FOR J = 1 TO 2", "X = 1", "  100: X = 2",
+                   "LABEL.WITH.20.CHARS: X = 3", "  100:   ", "10 Y = 1", "NEXT J", "NEXT I"}),
+            lines({"      FOR I = 1 TO 2", "         FOR J = 1 TO 2", "            X = 1",
+                   "100:        X = 2", "LABEL.WITH.20.CHARS: X = 3", "100:", "10          Y = 1",
+                   "         NEXT J", "      NEXT I"}));
+        add("star indented, bang at the margin", {3, 6, 1, 0}, "",
+            lines({"FOR I = 1 TO 2", "* star", "   ! bang", "10 * labelled", "NEXT I"}),
+            lines({"      FOR I = 1 TO 2", "         * star", "      ! bang", "10       * labelled",
+                   "      NEXT I"}));
+        add("star at the margin, bang in column 1", {3, 6, 0, 2}, "",
+            lines({"FOR I = 1 TO 2", "* star", "   ! bang", "10 * labelled", "NEXT I"}),
+            lines({"      FOR I = 1 TO 2", "      * star", "! bang", "10    * labelled",
+                   "      NEXT I"}));
+        add("star in column 1, bang indented", {3, 6, 2, 1}, "",
+            lines({"FOR I = 1 TO 2", "   * star", "! bang", "10 * labelled", "NEXT I"}),
+            lines({"      FOR I = 1 TO 2", "* star", "         ! bang", "10 * labelled",
+                   "      NEXT I"}));
+        add("THEN opens only as the last word", plain, "",
+            lines({"IF X THEN Y = 1", "IF X THEN", "Y = 1", "END", "IF X THEN ;* note", "Y = 2",
+                   "END", "READU R FROM F, K LOCKED", "Z = 1", "END"}),
+            lines({"IF X THEN Y = 1", "IF X THEN", "   Y = 1", "END", "IF X THEN ;* note",
+                   "   Y = 2", "END", "READU R FROM F, K LOCKED", "   Z = 1", "END"}));
+        add("FOR with its tail or its NEXT on one line", plain, "",
+            lines({"FOR I = 1 TO 9 WHILE X", "Y = 1", "NEXT I", "FOR I = 1 TO 3 ; X = I ; NEXT I",
+                   "Y = 2"}),
+            lines({"FOR I = 1 TO 9 WHILE X", "   Y = 1", "NEXT I",
+                   "FOR I = 1 TO 3 ; X = I ; NEXT I", "Y = 2"}));
+        add("a tab is text", plain, "",
+            lines({"FOR I = 1 TO 2", "\tX = 1", "  \t Y = 2", "NEXT I"}),
+            lines({"FOR I = 1 TO 2", "   \tX = 1", "   \t Y = 2", "NEXT I"}));
+        add("marks stay in strings and comments", plain, "",
+            lines({"LOOP",
+                   "X = \"A\x1d"
+                   "B\x1c"
+                   "C\"   ",
+                   "  * note \x1d here", "REPEAT"}),
+            lines({"LOOP",
+                   "   X = \"A\x1d"
+                   "B\x1c"
+                   "C\"",
+                   "   * note \x1d here", "REPEAT"}));
+        add("user block words", plain, "OPEN.BLOCK+ CLOSE.BLOCK- MIDDLE= STARTS[ ENDS]",
+            lines({"OPEN.BLOCK", "X = 1", "MIDDLE", "X = 2", "CLOSE.BLOCK", "STARTS X", "Y = 1",
+                   "CLOSE.BLOCK", "X = STARTS", "Z = 1", "A ENDS", "B = 1", "CLOSE.BLOCK",
+                   "A ENDS B", "C = 1"}),
+            lines({"OPEN.BLOCK", "   X = 1", "MIDDLE", "   X = 2", "CLOSE.BLOCK", "STARTS X",
+                   "   Y = 1", "CLOSE.BLOCK", "X = STARTS", "Z = 1", "A ENDS", "   B = 1",
+                   "CLOSE.BLOCK", "A ENDS B", "C = 1"}));
+        add("a zero step keeps every line at the margin", {0, 2, 1, 1}, "",
+            lines({"FOR I = 1 TO 2", "X = 1", "NEXT I"}),
+            lines({"  FOR I = 1 TO 2", "  X = 1", "  NEXT I"}));
     }
     void formats() {
         QFETCH(int, kind);

@@ -11,29 +11,22 @@ private Q_SLOTS:
     void converts_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("upper goes to lower, strings stay") << "PRINT 'Hello'"
-                                                           << "print 'Hello'";
-        QTest::newRow("lower goes to proper") << "print 'Hello'"
-                                              << "Print 'Hello'";
-        QTest::newRow("mixed goes to upper") << "Print 'Hello'"
-                                             << "PRINT 'Hello'";
-        QTest::newRow("digits only") << "12 + 3"
-                                     << "12 + 3";
-        QTest::newRow("unterminated quote skips only itself") << "X = 'a\r\nFOO \"Bar\" baz"
-                                                              << "x = 'a\r\nfoo \"Bar\" baz";
-        QTest::newRow("the nearer quote wins") << "x = \"Don't\" : y"
-                                               << "X = \"Don't\" : Y";
-        QTest::newRow("a string to the end of the text") << "X = \"abc"
-                                                         << "x = \"abc";
-        QTest::newRow("the sample is 80 characters")
-            << ("ABC" + QString(80, QLatin1Char(' ')) + "def")
-            << ("abc" + QString(80, QLatin1Char(' ')) + "def");
-        QTest::newRow("a later stretch decides") << "'abc' X = 1"
-                                                 << "'abc' x = 1";
-        QTest::newRow("proper case by word") << "cust.rec<2> = f.customers2x"
-                                             << "Cust.Rec<2> = F.Customers2x";
-        QTest::newRow("non-ASCII letters")
-            << QString::fromUtf8("ÉTÉ ß") << QString::fromUtf8("été ß");
+        const auto row = [](const char* name, const QString& text, const QString& expected) {
+            QTest::newRow(name) << text << expected;
+        };
+        row("upper goes to lower, strings stay", "PRINT 'Hello'", "print 'Hello'");
+        row("lower goes to proper", "print 'Hello'", "Print 'Hello'");
+        row("mixed goes to upper", "Print 'Hello'", "PRINT 'Hello'");
+        row("digits only", "12 + 3", "12 + 3");
+        row("unterminated quote skips only itself", "X = 'a\r\nFOO \"Bar\" baz",
+            "x = 'a\r\nfoo \"Bar\" baz");
+        row("the nearer quote wins", "x = \"Don't\" : y", "X = \"Don't\" : Y");
+        row("a string to the end of the text", "X = \"abc", "x = \"abc");
+        row("the sample is 80 characters", ("ABC" + QString(80, QLatin1Char(' ')) + "def"),
+            ("abc" + QString(80, QLatin1Char(' ')) + "def"));
+        row("a later stretch decides", "'abc' X = 1", "'abc' x = 1");
+        row("proper case by word", "cust.rec<2> = f.customers2x", "Cust.Rec<2> = F.Customers2x");
+        row("non-ASCII letters", QString::fromUtf8("ÉTÉ ß"), QString::fromUtf8("été ß"));
     }
     void converts() {
         QFETCH(QString, text);

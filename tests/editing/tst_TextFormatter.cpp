@@ -110,29 +110,26 @@ private Q_SLOTS:
     void keepsEveryByte_data() {
         QTest::addColumn<QByteArray>("input");
         QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("mixed line ends") << QByteArray("FOR I=1 TO 2\r\nX=1  \nNEXT I\r\n")
-                                         << QByteArray("FOR I=1 TO 2\r\n   X=1\nNEXT I\r\n");
-        QTest::newRow("no final line end") << QByteArray("LOOP\nX=1") << QByteArray("LOOP\n   X=1");
-        QTest::newRow("empty") << QByteArray() << QByteArray();
-        QTest::newRow("raw value mark is a mark")
-            << QByteArray("IF X THEN\xFD\nY=1\nEND") << QByteArray("IF X THEN\xFD\n   Y=1\nEND");
-        QTest::newRow("raw subvalue mark is a mark")
-            << QByteArray("IF X THEN \xFC \nY=1\nEND") << QByteArray("IF X THEN \xFC\n   Y=1\nEND");
-        QTest::newRow("latin-1 comment")
-            << QByteArray("* caf\xE9  \n  X=1") << QByteArray("* caf\xE9\nX=1");
-        QTest::newRow("editor marks beside raw bytes")
-            << QByteArray("  X = '\x1D\xFD\x1C\xFC\xFB'   \n")
-            << QByteArray("X = '\x1D\xFD\x1C\xFC\xFB'\n");
-        QTest::newRow("utf-8") << QByteArray("  * \xC3\xA9t\xC3\xA9  \n")
-                               << QByteArray("* \xC3\xA9t\xC3\xA9\n");
-        QTest::newRow("overlong utf-8")
-            << QByteArray("X = '\xC0\xAF'  ") << QByteArray("X = '\xC0\xAF'");
-        QTest::newRow("byte order mark")
-            << QByteArray("\xEF\xBB\xBFX=1  \n") << QByteArray("\xEF\xBB\xBFX=1\n");
-        QTest::newRow("bare CR stays inside its line")
-            << QByteArray(" X=1 \rY=2  \n") << QByteArray("X=1 \rY=2\n");
-        QTest::newRow("tab") << QByteArray("LOOP\n\tX=1\nREPEAT")
-                             << QByteArray("LOOP\n   \tX=1\nREPEAT");
+        const auto row = [](const char* name, const QByteArray& input, const QByteArray& expected) {
+            QTest::newRow(name) << input << expected;
+        };
+        row("mixed line ends", QByteArray("FOR I=1 TO 2\r\nX=1  \nNEXT I\r\n"),
+            QByteArray("FOR I=1 TO 2\r\n   X=1\nNEXT I\r\n"));
+        row("no final line end", QByteArray("LOOP\nX=1"), QByteArray("LOOP\n   X=1"));
+        row("empty", QByteArray(), QByteArray());
+        row("raw value mark is a mark", QByteArray("IF X THEN\xFD\nY=1\nEND"),
+            QByteArray("IF X THEN\xFD\n   Y=1\nEND"));
+        row("raw subvalue mark is a mark", QByteArray("IF X THEN \xFC \nY=1\nEND"),
+            QByteArray("IF X THEN \xFC\n   Y=1\nEND"));
+        row("latin-1 comment", QByteArray("* caf\xE9  \n  X=1"), QByteArray("* caf\xE9\nX=1"));
+        row("editor marks beside raw bytes", QByteArray("  X = '\x1D\xFD\x1C\xFC\xFB'   \n"),
+            QByteArray("X = '\x1D\xFD\x1C\xFC\xFB'\n"));
+        row("utf-8", QByteArray("  * \xC3\xA9t\xC3\xA9  \n"), QByteArray("* \xC3\xA9t\xC3\xA9\n"));
+        row("overlong utf-8", QByteArray("X = '\xC0\xAF'  "), QByteArray("X = '\xC0\xAF'"));
+        row("byte order mark", QByteArray("\xEF\xBB\xBFX=1  \n"), QByteArray("\xEF\xBB\xBFX=1\n"));
+        row("bare CR stays inside its line", QByteArray(" X=1 \rY=2  \n"),
+            QByteArray("X=1 \rY=2\n"));
+        row("tab", QByteArray("LOOP\n\tX=1\nREPEAT"), QByteArray("LOOP\n   \tX=1\nREPEAT"));
     }
     void keepsEveryByte() {
         QFETCH(QByteArray, input);
@@ -200,15 +197,16 @@ private Q_SLOTS:
     void refusesWhatItCantDo_data() {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("message");
-        QTest::newRow("tab size not a number")
-            << QStringList{"--tab-size", "x", "-"} << "--tab-size";
-        QTest::newRow("indent star out of range")
-            << QStringList{"--indent-star=3", "-"} << "--indent-star";
-        QTest::newRow("unknown option") << QStringList{"--bogus", "-"} << "bogus";
-        QTest::newRow("in place and check") << QStringList{"-i", "--check", "-"} << "--check";
-        QTest::newRow("standard input in place") << QStringList{"-i", "-"} << "standard input";
-        QTest::newRow("no file") << QStringList{} << "No file";
-        QTest::newRow("a folder") << QStringList{"."} << "\".\"";
+        const auto row = [](const char* name, const QStringList& arguments, const char* message) {
+            QTest::newRow(name) << arguments << message;
+        };
+        row("tab size not a number", QStringList{"--tab-size", "x", "-"}, "--tab-size");
+        row("indent star out of range", QStringList{"--indent-star=3", "-"}, "--indent-star");
+        row("unknown option", QStringList{"--bogus", "-"}, "bogus");
+        row("in place and check", QStringList{"-i", "--check", "-"}, "--check");
+        row("standard input in place", QStringList{"-i", "-"}, "standard input");
+        row("no file", QStringList{}, "No file");
+        row("a folder", QStringList{"."}, "\".\"");
     }
     void refusesWhatItCantDo() {
         QFETCH(QStringList, arguments);
@@ -262,14 +260,12 @@ private Q_SLOTS:
     // line ends stay, and -i writes what the standard output shows.
     void corpusPrograms_data() {
         QTest::addColumn<QString>("folder");
-        QTest::addColumn<QStringList>("options");
-        QTest::newRow("scarletdme") << "scarletdme" << QStringList{"--tab-size=3", "--margin=0"};
-        QTest::newRow("tcl-utilities")
-            << "tcl-utilities" << QStringList{"--tab-size=3", "--margin=0"};
+        QTest::newRow("scarletdme") << "scarletdme";
+        QTest::newRow("tcl-utilities") << "tcl-utilities";
     }
     void corpusPrograms() {
         QFETCH(QString, folder);
-        QFETCH(QStringList, options);
+        const QStringList options{QStringLiteral("--tab-size=3"), QStringLiteral("--margin=0")};
         const QString source = TestEnv::Shared(QStringLiteral("corpus/") + folder);
         QTemporaryDir work;
         QStringList copies;

@@ -29,34 +29,24 @@ private Q_SLOTS:
         QTest::addColumn<int>("kind");
         QTest::addColumn<QString>("word");
 
-        QTest::newRow("gosub target") << "  GOSUB 100"
-                                      << "100" << 1 << "100";
-        QTest::newRow("goto target") << "  IF X THEN GOTO DONE"
-                                     << "DONE" << 1 << "DONE";
-        QTest::newRow("label's own line") << "100 CRT X"
-                                          << "100" << 0 << "";
-        QTest::newRow("label with colon") << "DONE: CRT X"
-                                          << "DONE" << 0 << "";
-        QTest::newRow("call") << "  CALL SUBNAME(A,B)"
-                              << "SUBNAME" << 2 << "SUBNAME";
-        QTest::newRow("call any case") << "  call SubName(A,B)"
-                                       << "SubName" << 2 << "SubName";
-        QTest::newRow("call argument") << "  CALL SUBNAME(A,B)"
-                                       << "A," << 0 << "";
-        QTest::newRow("call at var") << "  CALL @VAR"
-                                     << "VAR" << 2 << "@VAR";
-        QTest::newRow("call word in comment") << "  X = 1 ;* CALL ME"
-                                              << "ME" << 0 << "";
-        QTest::newRow("insert file and item") << "$INSERT BP ITEM"
-                                              << "ITEM" << 3 << "BP ITEM";
-        QTest::newRow("include item") << "INCLUDE ITEM"
-                                      << "ITEM" << 3 << "ITEM";
-        QTest::newRow("$include item") << "$INCLUDE EQUATES"
-                                       << "EQUATES" << 3 << "EQUATES";
-        QTest::newRow("plain assignment") << "  X = Y + 1"
-                                          << "Y" << 0 << "";
-        QTest::newRow("past line end") << "  CALL X"
-                                       << "" << 0 << "";
+        const auto row = [](const char* name, const char* line, const char* pointAt, int kind,
+                            const char* word) {
+            QTest::newRow(name) << line << pointAt << kind << word;
+        };
+        row("gosub target", "  GOSUB 100", "100", 1, "100");
+        row("goto target", "  IF X THEN GOTO DONE", "DONE", 1, "DONE");
+        row("label's own line", "100 CRT X", "100", 0, "");
+        row("label with colon", "DONE: CRT X", "DONE", 0, "");
+        row("call", "  CALL SUBNAME(A,B)", "SUBNAME", 2, "SUBNAME");
+        row("call any case", "  call SubName(A,B)", "SubName", 2, "SubName");
+        row("call argument", "  CALL SUBNAME(A,B)", "A,", 0, "");
+        row("call at var", "  CALL @VAR", "VAR", 2, "@VAR");
+        row("call word in comment", "  X = 1 ;* CALL ME", "ME", 0, "");
+        row("insert file and item", "$INSERT BP ITEM", "ITEM", 3, "BP ITEM");
+        row("include item", "INCLUDE ITEM", "ITEM", 3, "ITEM");
+        row("$include item", "$INCLUDE EQUATES", "EQUATES", 3, "EQUATES");
+        row("plain assignment", "  X = Y + 1", "Y", 0, "");
+        row("past line end", "  CALL X", "", 0, "");
     }
     void classify() {
         QFETCH(QString, line);

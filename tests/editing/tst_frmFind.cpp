@@ -61,17 +61,18 @@ private Q_SLOTS:
         QTest::addColumn<int>("caretLine");
         QTest::addColumn<QString>("selected");
         const QString program = QStringLiteral("X = 1\nCALL SUB.X\nPRINT x_y, x\nEND");
-        QTest::newRow("case ignored")
-            << program << "x" << false << false << false << 1 << "9,1>10,1";
-        QTest::newRow("match case") << program << "x" << false << false << true << 1 << "6,2>7,2";
-        QTest::newRow("whole word skips x_y")
-            << program << "x" << false << true << true << 1 << "11,2>12,2";
-        QTest::newRow("up from the caret")
-            << program << "call" << true << false << false << 3 << "0,1>4,1";
-        QTest::newRow("other letters folded") << QStringLiteral("A\nSTRASSE ÄRGER") << "ärger"
-                                              << false << false << false << 0 << "8,1>13,1";
-        QTest::newRow("word next to a letter")
-            << QStringLiteral("A\nÉX X") << "X" << false << true << false << 0 << "3,1>4,1";
+        const auto row = [](const char* name, const QString& text, const char* find, bool up,
+                            bool word, bool matchCase, int caretLine, const char* selected) {
+            QTest::newRow(name) << text << find << up << word << matchCase << caretLine << selected;
+        };
+        row("case ignored", program, "x", false, false, false, 1, "9,1>10,1");
+        row("match case", program, "x", false, false, true, 1, "6,2>7,2");
+        row("whole word skips x_y", program, "x", false, true, true, 1, "11,2>12,2");
+        row("up from the caret", program, "call", true, false, false, 3, "0,1>4,1");
+        row("other letters folded", QStringLiteral("A\nSTRASSE ÄRGER"), "ärger", false, false,
+            false, 0, "8,1>13,1");
+        row("word next to a letter", QStringLiteral("A\nÉX X"), "X", false, true, false, 0,
+            "3,1>4,1");
     }
     void findNext() {
         QFETCH(QString, text);
@@ -173,27 +174,22 @@ private Q_SLOTS:
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("selectedAfter");
         const QString plain = QStringLiteral("ab abab\nCabD ab");
-        QTest::newRow("document") << plain << false << "ab"
-                                  << "x xx\nCxD x"
-                                  << "5 occurrences replaced."
-                                  << "2,0>1,1";
-        QTest::newRow("selection") << plain << true << "ab"
-                                   << "ab xx\nCabD ab"
-                                   << "2 occurrences replaced."
-                                   << "3,0>2,1";
-        QTest::newRow("none in selection") << plain << true << "zz"
-                                           << "ab abab\nCabD ab"
-                                           << "Search text not found in selection."
-                                           << "3,0>2,1";
-        QTest::newRow("none in document") << plain << false << "zz"
-                                          << "ab abab\nCabD ab"
-                                          << "Search text not found in document."
-                                          << "3,0>2,1";
+        const auto row = [](const char* name, const QString& before, bool inSelection,
+                            const char* find, const QString& after, const char* message,
+                            const char* selectedAfter) {
+            QTest::newRow(name) << before << inSelection << find << after << message
+                                << selectedAfter;
+        };
+        row("document", plain, false, "ab", "x xx\nCxD x", "5 occurrences replaced.", "2,0>1,1");
+        row("selection", plain, true, "ab", "ab xx\nCabD ab", "2 occurrences replaced.", "3,0>2,1");
+        row("none in selection", plain, true, "zz", "ab abab\nCabD ab",
+            "Search text not found in selection.", "3,0>2,1");
+        row("none in document", plain, false, "zz", "ab abab\nCabD ab",
+            "Search text not found in document.", "3,0>2,1");
         // Columns count UTF-16 units: the astral character is two.
-        QTest::newRow("wide characters")
-            << QStringLiteral("ab \u00e9\U0001D11Eab ab\nCab\u00e9 ab") << false << "ab"
-            << QStringLiteral("x \u00e9\U0001D11Ex x\nCx\u00e9 x") << "5 occurrences replaced."
-            << "2,0>1,1";
+        row("wide characters", QStringLiteral("ab \u00e9\U0001D11Eab ab\nCab\u00e9 ab"), false,
+            "ab", QStringLiteral("x \u00e9\U0001D11Ex x\nCx\u00e9 x"), "5 occurrences replaced.",
+            "2,0>1,1");
     }
     void replaceAll() {
         QFETCH(QString, before);

@@ -176,8 +176,6 @@ private Q_SLOTS:
         b.RefreshLines(70, 0, 1, 1, 1);
         QVERIFY(!ctl->HasSelection());
         QCOMPARE(ctl->CursorCol(), 1);
-        b.SetTabSize(4);
-        QCOMPARE(ctl->TabSize(), 4);
     }
 };
 

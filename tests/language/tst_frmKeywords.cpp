@@ -47,16 +47,15 @@ private Q_SLOTS:
         QTest::addColumn<bool>("valid");
         QTest::addColumn<QString>("corrected");
         QTest::addColumn<QString>("name");
-        QTest::newRow("clean") << "PRINT.ERR" << true << "PRINT.ERR"
-                               << "";
-        QTest::newRow("blank") << "A B" << false << "AB"
-                               << "blank";
-        QTest::newRow("open paren") << "F(X" << false << "FX"
-                                    << "parentheses";
-        QTest::newRow("close paren") << "FX)" << false << "FX"
-                                     << "parentheses";
-        QTest::newRow("last named") << "A,B;C D" << false << "ABCD"
-                                    << "blank";
+        const auto row = [](const char* name, const char* word, bool valid, const char* corrected,
+                            const char* reason) {
+            QTest::newRow(name) << word << valid << corrected << reason;
+        };
+        row("clean", "PRINT.ERR", true, "PRINT.ERR", "");
+        row("blank", "A B", false, "AB", "blank");
+        row("open paren", "F(X", false, "FX", "parentheses");
+        row("close paren", "FX)", false, "FX", "parentheses");
+        row("last named", "A,B;C D", false, "ABCD", "blank");
     }
     void check() {
         QFETCH(QString, word);
@@ -89,27 +88,20 @@ private Q_SLOTS:
         const QString refusal = "Keyword may not contain a blank, comma, semicolon or parenthesis!";
         const QString question = "Keyword '$X#' may contain an invalid character: '$' '#'\n"
                                  "Are you sure you want to add this keyword?";
-        QTest::newRow("plain") << "  LOGMSG "
-                               << "optNone" << 0 << QStringList() << "LOGMSG";
-        QTest::newRow("closes") << "ENDLOG"
-                                << "optEnd" << 0 << QStringList() << "ENDLOG-";
-        QTest::newRow("middle") << "ORLOG"
-                                << "optMid" << 0 << QStringList() << "ORLOG=";
-        QTest::newRow("opens") << "OPENLOG"
-                               << "optAny" << 0 << QStringList() << "OPENLOG+";
-        QTest::newRow("opens first") << "WITH"
-                                     << "optFirst" << 0 << QStringList() << "WITH[";
-        QTest::newRow("opens last") << "DOIT"
-                                    << "optLast" << 0 << QStringList() << "DOIT]";
-        QTest::newRow("refused") << "A B"
-                                 << "optNone" << 0 << QStringList{refusal} << "";
-        QTest::newRow("asked yes")
-            << "$X#"
-            << "optNone" << int(MsgBox::Yes) << QStringList{question} << "$X#";
-        QTest::newRow("asked no") << "$X#"
-                                  << "optNone" << int(MsgBox::No) << QStringList{question} << "";
-        QTest::newRow("empty") << "   "
-                               << "optNone" << 0 << QStringList() << "";
+        const auto row = [](const char* name, const char* word, const char* option, int answer,
+                            const QStringList& messages, const char* listed) {
+            QTest::newRow(name) << word << option << answer << messages << listed;
+        };
+        row("plain", "  LOGMSG ", "optNone", 0, {}, "LOGMSG");
+        row("closes", "ENDLOG", "optEnd", 0, {}, "ENDLOG-");
+        row("middle", "ORLOG", "optMid", 0, {}, "ORLOG=");
+        row("opens", "OPENLOG", "optAny", 0, {}, "OPENLOG+");
+        row("opens first", "WITH", "optFirst", 0, {}, "WITH[");
+        row("opens last", "DOIT", "optLast", 0, {}, "DOIT]");
+        row("refused", "A B", "optNone", 0, {refusal}, "");
+        row("asked yes", "$X#", "optNone", MsgBox::Yes, {question}, "$X#");
+        row("asked no", "$X#", "optNone", MsgBox::No, {question}, "");
+        row("empty", "   ", "optNone", 0, {}, "");
     }
     void add() {
         QFETCH(QString, word);
@@ -122,7 +114,6 @@ private Q_SLOTS:
             answers.Push(answer);
         clsKeywords table;
         frmKeywords form(table, 4, QStringLiteral("Define User Keywords"));
-        QCOMPARE(form.windowTitle(), QStringLiteral("Define User Keywords"));
         // The three ways of opening a block stand under "begins a block".
         if (QStringList{"optAny", "optFirst", "optLast"}.contains(option))
             pick(form, "optBegin");
@@ -189,17 +180,16 @@ private Q_SLOTS:
         frmKeywords form(table, 4, QString());
         const QString path = write("GOOD+\r\nBAD,WORD-\r\nSKIP ME\r\n\r\nSTOP;HERE\r\nLAST\n");
         QVERIFY(form.ImportFrom(path));
-        QCOMPARE(
-            answers.Texts(),
-            (QStringList{"Keyword 'BAD,WORD' contains an invalid character: comma. Import as "
-                         "'BADWORD'?\nClick 'Yes' to import corrected keyword, 'No' to skip this "
-                         "keyword, or Cancel to cancel the import operation.",
-                         "Keyword 'SKIP ME' contains an invalid character: blank. Import as "
-                         "'SKIPME'?\nClick 'Yes' to import corrected keyword, 'No' to skip this "
-                         "keyword, or Cancel to cancel the import operation.",
-                         "Keyword 'STOP;HERE' contains an invalid character: semicolon. Import as "
-                         "'STOPHERE'?\nClick 'Yes' to import corrected keyword, 'No' to skip this "
-                         "keyword, or Cancel to cancel the import operation."}));
+        const auto ask = [](const char* word, const char* what, const char* corrected) {
+            return QStringLiteral(
+                       "Keyword '%1' contains an invalid character: %2. Import as '%3'?\n"
+                       "Click 'Yes' to import corrected keyword, 'No' to skip this "
+                       "keyword, or Cancel to cancel the import operation.")
+                .arg(word, what, corrected);
+        };
+        QCOMPARE(answers.Texts(), (QStringList{ask("BAD,WORD", "comma", "BADWORD"),
+                                               ask("SKIP ME", "blank", "SKIPME"),
+                                               ask("STOP;HERE", "semicolon", "STOPHERE")}));
         QCOMPARE(shown(form), (QStringList{"GOOD+", "BADWORD-"}));
     }
 

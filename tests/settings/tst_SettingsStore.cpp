@@ -113,24 +113,16 @@ private Q_SLOTS:
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("line"); // as it stands in the file; empty: no line
         QTest::addColumn<QString>("readBack");
-        QTest::newRow("plain") << "BASIC"
-                               << "K=BASIC"
-                               << "BASIC";
-        QTest::newRow("blanks at the ends") << "  padded "
-                                            << "K=\"  padded \""
-                                            << "  padded ";
-        QTest::newRow("quoted") << "\"q\""
-                                << "K=\"\"q\"\""
-                                << "\"q\"";
-        QTest::newRow("apostrophe first") << "'x"
-                                          << "K=\"'x\""
-                                          << "'x";
-        QTest::newRow("apostrophe inside") << "it's"
-                                           << "K=it's"
-                                           << "it's";
-        QTest::newRow("empty deletes") << ""
-                                       << ""
-                                       << "<default>";
+        const auto row = [](const char* name, const char* value, const char* line,
+                            const char* readBack) {
+            QTest::newRow(name) << value << line << readBack;
+        };
+        row("plain", "BASIC", "K=BASIC", "BASIC");
+        row("blanks at the ends", "  padded ", "K=\"  padded \"", "  padded ");
+        row("quoted", "\"q\"", "K=\"\"q\"\"", "\"q\"");
+        row("apostrophe first", "'x", "K=\"'x\"", "'x");
+        row("apostrophe inside", "it's", "K=it's", "it's");
+        row("empty deletes", "", "", "<default>");
     }
 
     void stateFileValues() {
@@ -208,13 +200,13 @@ private Q_SLOTS:
     void iniAddress_data() {
         QTest::addColumn<QString>("section");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("settings") << Section << "MultiValueEditor_Settings_";
-        QTest::newRow("no trailing") << "Software\\Tolvek\\Brix\\Keys"
-                                     << "Brix_Keys";
-        QTest::newRow("blanks go") << "Software\\Tolvek\\A B\\C D"
-                                   << "AB_CD";
-        QTest::newRow("too short stays") << "Software\\Tolvek"
-                                         << "Software\\Tolvek";
+        const auto row = [](const char* name, const QString& section, const char* expected) {
+            QTest::newRow(name) << section << expected;
+        };
+        row("settings", Section, "MultiValueEditor_Settings_");
+        row("no trailing", "Software\\Tolvek\\Brix\\Keys", "Brix_Keys");
+        row("blanks go", "Software\\Tolvek\\A B\\C D", "AB_CD");
+        row("too short stays", "Software\\Tolvek", "Software\\Tolvek");
     }
 
     void iniAddress() {
@@ -227,28 +219,20 @@ private Q_SLOTS:
     void normalisePath_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("parent") << "../data"
-                                << "/opt/brix/data";
-        QTest::newRow("parent alone") << ".."
-                                      << "/opt/brix";
-        QTest::newRow("backslashes") << "..\\data\\x"
-                                     << "/opt/brix/data/x";
-        QTest::newRow("stops at the root") << "../../../../../../x"
-                                           << "/x";
-        QTest::newRow("double slashes") << "//server/share"
-                                        << "/server/share";
-        QTest::newRow("inner parent") << "/a/b/../c"
-                                      << "/a/c";
-        QTest::newRow("inner dot kept") << "/a/./b"
-                                        << "/a/./b";
-        QTest::newRow("trailing slash kept") << "/a/b/"
-                                             << "/a/b/";
-        QTest::newRow("root parent") << "/.."
-                                     << "/";
-        QTest::newRow("first piece stays") << "x/../../y"
-                                           << "x/y";
-        QTest::newRow("drive stays") << "C:\\x\\..\\..\\y"
-                                     << "C:/y";
+        const auto row = [](const char* name, const char* path, const char* expected) {
+            QTest::newRow(name) << path << expected;
+        };
+        row("parent", "../data", "/opt/brix/data");
+        row("parent alone", "..", "/opt/brix");
+        row("backslashes", "..\\data\\x", "/opt/brix/data/x");
+        row("stops at the root", "../../../../../../x", "/x");
+        row("double slashes", "//server/share", "/server/share");
+        row("inner parent", "/a/b/../c", "/a/c");
+        row("inner dot kept", "/a/./b", "/a/./b");
+        row("trailing slash kept", "/a/b/", "/a/b/");
+        row("root parent", "/..", "/");
+        row("first piece stays", "x/../../y", "x/y");
+        row("drive stays", "C:\\x\\..\\..\\y", "C:/y");
     }
 
     void normalisePath() {
@@ -278,16 +262,14 @@ private Q_SLOTS:
     void expandEnvironment_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("name") << "%BRIX_TEST_A%/x"
-                              << "alpha/x";
-        QTest::newRow("twice") << "%BRIX_TEST_A%%BRIX_TEST_A%"
-                               << "alphaalpha";
-        QTest::newRow("unset") << "a%BRIX_TEST_UNSET%b"
-                               << "ab";
-        QTest::newRow("lone percent") << "50% off"
-                                      << "50% off";
-        QTest::newRow("lone after pair") << "%BRIX_TEST_A% 5%"
-                                         << "alpha 5%";
+        const auto row = [](const char* name, const char* text, const char* expected) {
+            QTest::newRow(name) << text << expected;
+        };
+        row("name", "%BRIX_TEST_A%/x", "alpha/x");
+        row("twice", "%BRIX_TEST_A%%BRIX_TEST_A%", "alphaalpha");
+        row("unset", "a%BRIX_TEST_UNSET%b", "ab");
+        row("lone percent", "50% off", "50% off");
+        row("lone after pair", "%BRIX_TEST_A% 5%", "alpha 5%");
     }
 
     void expandEnvironment() {

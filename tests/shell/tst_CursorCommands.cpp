@@ -86,15 +86,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("word");
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("item");
-        QTest::newRow("two fields") << "CUSTOMERS 1001"
-                                    << "CUSTOMERS"
-                                    << "1001";
-        QTest::newRow("three fields") << "CUSTOMERS 1001 X"
-                                      << "CUSTOMERS"
-                                      << "1001";
-        QTest::newRow("one field") << "SUBNAME"
-                                   << "BP"
-                                   << "SUBNAME";
+        const auto row = [](const char* name, const char* word, const char* folder,
+                            const char* item) { QTest::newRow(name) << word << folder << item; };
+        row("two fields", "CUSTOMERS 1001", "CUSTOMERS", "1001");
+        row("three fields", "CUSTOMERS 1001 X", "CUSTOMERS", "1001");
+        row("one field", "SUBNAME", "BP", "SUBNAME");
     }
     void splitWord() {
         QFETCH(QString, word);

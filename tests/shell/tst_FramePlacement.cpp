@@ -89,29 +89,24 @@ private Q_SLOTS:
         QTest::addColumn<TwipsRect>("desktop");
         QTest::addColumn<TwipsRect>("expected");
         const TwipsRect hd = twips(0, 0, 1920, 1080);
-        QTest::newRow("on the desktop")
-            << twips(100, 50, 800, 600) << hd << twips(100, 50, 800, 600);
-        QTest::newRow("right monitor gone")
-            << twips(2500, 100, 1200, 900) << hd
-            << TwipsRect{3600, 100 * Twips, 1200 * Twips, 900 * Twips};
-        QTest::newRow("just inside nine tenths")
-            << twips(1728, 972, 100, 100) << hd << twips(1728, 972, 100, 100);
-        QTest::newRow("left of the desktop")
-            << twips(-300, -20, 800, 600) << hd << twips(0, 0, 800, 600);
-        QTest::newRow("below nine tenths of the height")
-            << twips(10, 1000, 800, 600) << hd
-            << TwipsRect{10 * Twips, 2025, 800 * Twips, 600 * Twips};
-        QTest::newRow("too wide and too tall")
-            << twips(0, 0, 4000, 2000) << hd << twips(0, 0, 1920, 1080);
+        const auto row = [](const char* name, const TwipsRect& rect, const TwipsRect& desktop,
+                            const TwipsRect& expected) {
+            QTest::newRow(name) << rect << desktop << expected;
+        };
+        row("on the desktop", twips(100, 50, 800, 600), hd, twips(100, 50, 800, 600));
+        row("right monitor gone", twips(2500, 100, 1200, 900), hd,
+            TwipsRect{3600, 100 * Twips, 1200 * Twips, 900 * Twips});
+        row("just inside nine tenths", twips(1728, 972, 100, 100), hd, twips(1728, 972, 100, 100));
+        row("left of the desktop", twips(-300, -20, 800, 600), hd, twips(0, 0, 800, 600));
+        row("below nine tenths of the height", twips(10, 1000, 800, 600), hd,
+            TwipsRect{10 * Twips, 2025, 800 * Twips, 600 * Twips});
+        row("too wide and too tall", twips(0, 0, 4000, 2000), hd, twips(0, 0, 1920, 1080));
         // A monitor left of the primary one: the desktop starts at a negative x.
         const TwipsRect wide = twips(-1280, 0, 3200, 1080);
-        QTest::newRow("on the left monitor")
-            << twips(-1000, 10, 800, 600) << wide << twips(-1000, 10, 800, 600);
-        QTest::newRow("beyond origin plus extent")
-            << twips(1800, 10, 800, 600) << wide
-            << TwipsRect{3600, 10 * Twips, 800 * Twips, 600 * Twips};
-        QTest::newRow("left monitor gone")
-            << twips(-1000, 10, 800, 600) << hd << twips(0, 10, 800, 600);
+        row("on the left monitor", twips(-1000, 10, 800, 600), wide, twips(-1000, 10, 800, 600));
+        row("beyond origin plus extent", twips(1800, 10, 800, 600), wide,
+            TwipsRect{3600, 10 * Twips, 800 * Twips, 600 * Twips});
+        row("left monitor gone", twips(-1000, 10, 800, 600), hd, twips(0, 10, 800, 600));
     }
 
     void fit() {
