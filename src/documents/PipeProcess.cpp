@@ -122,6 +122,23 @@ void PipeProcess::drainErrors() {
     }
 }
 
+QByteArray PipeProcess::Errors() {
+    drainErrors();
+    return errorText_;
+}
+
+bool PipeProcess::Quiet() {
+    if (pid_ <= 0)
+        return false;
+    pollfd fd{socket_, POLLIN, 0};
+    if (::poll(&fd, 1, 0) != 0)
+        return false;
+    if (::waitpid(pid_, nullptr, WNOHANG) != pid_)
+        return true;
+    pid_ = -1;
+    return false;
+}
+
 void PipeProcess::fail(const QString& why) {
     drainErrors();
     const QStringList lines =

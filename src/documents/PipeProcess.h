@@ -25,7 +25,11 @@ public:
     // Why the last Read or Write failed, with what the program wrote to its errors.
     QString Failure() const { return failure_; }
     bool TimedOut() const { return timedOut_; }
-    pid_t Pid() const { return pid_; }
+    // The last of what the program wrote to its errors so far.
+    QByteArray Errors();
+    // True while the program runs and has said nothing that wasn't asked for: between two
+    // exchanges, anything to read, or the end, means it is gone.
+    bool Quiet();
 
 private:
     bool wait(short events, int timeoutMs);

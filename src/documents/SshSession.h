@@ -2,14 +2,16 @@
 
 #include <QByteArray>
 #include <QStringList>
-#include <sys/types.h>
+#include <memory>
+
+class PipeProcess;
 
 // One long-lived shell on the host, reached through an ssh client that this object starts
 // and owns, that runs script after script. A new ssh session costs the host a login shell,
 // whose start-up files may take a good part of a second; this pays it once. Each call hands
 // over a script and its input, counted in bytes, and gets back the script's output, its
 // error output and its exit code, counted likewise, so no byte of either is interpreted.
-// Plain file descriptors and poll(): any thread may call, one at a time.
+// Any thread may call, one at a time.
 class SshSession {
 public:
     struct Reply {
@@ -32,21 +34,15 @@ public:
     bool Over() const { return over_; }
     // Whether a call has completed on this session.
     bool Proven() const { return proven_; }
-    // What the ssh client wrote to its error output, and its exit code once it has ended.
+    // What the ssh client wrote to its error output.
     QByteArray Diagnostics() const { return diagnostics_; }
-    int ClientExitCode() const { return clientExit_; }
 
 private:
-    bool start();
-    bool idleAlive();
-    void end(bool kill);
-    Result fail(bool timedOut);
+    Result fail();
 
     QStringList command_;
-    pid_t pid_ = -1;
-    int in_ = -1, out_ = -1, err_ = -1;
+    std::unique_ptr<PipeProcess> process_;
     bool over_ = false;
     bool proven_ = false;
     QByteArray diagnostics_;
-    int clientExit_ = -1;
 };
