@@ -23,4 +23,12 @@ constexpr int32_t ChangedOnHost = static_cast<int32_t>(0x80049D15u);
 // The connection ended while a write was under way: the item holds its old text or the new.
 constexpr int32_t ConnectionLost = static_cast<int32_t>(0x80049D16u);
 constexpr int32_t LockFailed = static_cast<int32_t>(0x80049D2Cu);
+
+// A save that found `what` changed since it was read here, and wrote nothing.
+inline BrixError ChangedSinceRead(const QString& what) {
+    return BrixError(ChangedOnHost,
+                     QStringLiteral("%1 was changed on the host since you opened it; it was "
+                                    "not saved.")
+                         .arg(what));
+}
 } // namespace ConnectionErrors

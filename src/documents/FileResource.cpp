@@ -72,10 +72,7 @@ void FileResource::writeBytes(const QByteArray& bytes) {
                             .arg(FullName(), e.Description));
     }
     if (!written)
-        throw BrixError(ConnectionErrors::ChangedOnHost,
-                        QStringLiteral("%1 was changed on the host since you opened it; it was "
-                                       "not saved.")
-                            .arg(FullName()));
+        throw ConnectionErrors::ChangedSinceRead(FullName());
     stamp_ = stamp;
 }
 

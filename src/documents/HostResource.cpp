@@ -197,10 +197,7 @@ void HostResource::writeBytes(const QByteArray& bytes) {
                             .arg(itemLabel(), e.Description));
     }
     if (!written)
-        throw BrixError(ConnectionErrors::ChangedOnHost,
-                        QStringLiteral("%1 was changed on the host since you opened it; it was "
-                                       "not saved.")
-                            .arg(itemLabel()));
+        throw ConnectionErrors::ChangedSinceRead(itemLabel());
     stamp_ = stamp;
 }
 
