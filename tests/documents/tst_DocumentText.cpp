@@ -10,8 +10,7 @@
 #include "settings/Moriox.h"
 #include "support/BrixError.h"
 
-// The conversion between host text and editor text, and the members of a document that
-// read and change its text from outside the editing commands.
+// Host text against editor text, and the document's text members used from outside.
 class tst_DocumentText : public QObject {
     Q_OBJECT
     std::shared_ptr<mvDocument> doc;
@@ -50,20 +49,18 @@ private Q_SLOTS:
         QTest::addColumn<int>("tabSize");
         QTest::addColumn<QString>("host");
         QTest::addColumn<QString>("editor");
-        QTest::newRow("marks") << 3
-                               << QStringLiteral("A") + vmHost() + QStringLiteral("B") + smHost() +
-                                      QStringLiteral("C")
-                               << QStringLiteral("A\x1d"
-                                                 "B\x1c"
-                                                 "C");
-        QTest::newRow("attribute mark stays")
-            << 3 << QString(QChar(0xF8FE)) << QString(QChar(0xF8FE));
+        QTest::newRow("marks, line ends untouched")
+            << 3
+            << QStringLiteral("A") + vmHost() + QStringLiteral("B\r\n") + smHost() + "C\n" +
+                   QChar(0xF8FE)
+            << QStringLiteral("A\x1d"
+                              "B\r\n\x1c"
+                              "C\n") +
+                   QChar(0xF8FE);
         QTest::newRow("tab is a fixed run")
             << 3 << QStringLiteral("a\tb\t") << QStringLiteral("a   b   ");
         QTest::newRow("tab size 0 gives one blank")
             << 0 << QStringLiteral("\tx") << QStringLiteral(" x");
-        QTest::newRow("line ends untouched")
-            << 3 << QStringLiteral("a\r\nb\nc") << QStringLiteral("a\r\nb\nc");
     }
     void hostToEditor() {
         QFETCH(int, tabSize);
@@ -76,13 +73,8 @@ private Q_SLOTS:
     void editorToHost_data() {
         QTest::addColumn<QString>("editor");
         QTest::addColumn<QString>("host");
-        QTest::newRow("LF only") << QStringLiteral("a\nb\n") << QStringLiteral("a\r\nb\r\n");
-        QTest::newRow("CR LF passes") << QStringLiteral("a\r\nb") << QStringLiteral("a\r\nb");
-        QTest::newRow("no line ends") << QStringLiteral("abc") << QStringLiteral("abc");
-        QTest::newRow("one CR LF and a bare LF")
-            << QStringLiteral("a\r\nb\nc") << QStringLiteral("a\r\nb\r\nc");
-        QTest::newRow("bare CR among LFs")
-            << QStringLiteral("a\rb\nc\n") << QStringLiteral("a\r\nb\r\nc\r\n");
+        QTest::newRow("mixed ends become CR LF")
+            << QStringLiteral("a\r\nb\rc\nd\n") << QStringLiteral("a\r\nb\r\nc\r\nd\r\n");
         QTest::newRow("equal counts are left")
             << QStringLiteral("a\rb\nc") << QStringLiteral("a\rb\nc");
         QTest::newRow("marks") << QStringLiteral("\x1d\x1c\x1e")
@@ -121,7 +113,6 @@ private Q_SLOTS:
         QTest::addColumn<QList<int>>("selection");
         QTest::addColumn<QString>("expected");
         QTest::newRow("none") << QList<int>{1, 0, 1, 0} << QString();
-        QTest::newRow("one line") << QList<int>{1, 0, 3, 0} << QStringLiteral("bc");
         QTest::newRow("two lines") << QList<int>{1, 0, 2, 1} << QStringLiteral("bc\r\nde");
         QTest::newRow("backwards") << QList<int>{2, 1, 1, 0} << QStringLiteral("bc\r\nde");
         QTest::newRow("marks out")
@@ -141,18 +132,12 @@ private Q_SLOTS:
         editor().SetSelection(2, 1, 1, 0);
         doc->SetSelText(QStringLiteral("X") + vmHost() + QStringLiteral("\r\nY\tZ"));
         QCOMPARE(buffer().AllText(), QStringLiteral("aX\x1d\nY   Zf"));
-        QCOMPARE(editor().CursorLine(), 1);
         QCOMPARE(editor().CursorCol(), 5);
-        QVERIFY(!editor().HasSelection());
         buffer().Undo();
         QCOMPARE(buffer().AllText(), QStringLiteral("abc\ndef"));
         int32_t sc, sl, ec, el;
         editor().GetSelection(sc, sl, ec, el);
         QCOMPARE((QList<int>{sc, sl, ec, el}), (QList<int>{2, 1, 1, 0}));
-        buffer().Redo();
-        QCOMPARE(buffer().AllText(), QStringLiteral("aX\x1d\nY   Zf"));
-        buffer().Undo();
-        QCOMPARE(buffer().AllText(), QStringLiteral("abc\ndef"));
     }
 
     void marksReplaceSelectionOrGoInAtCaret() {
@@ -163,9 +148,6 @@ private Q_SLOTS:
                                                     "d"));
         editor().SetCursor(0, 0);
         doc->InsSubValue();
-        QCOMPARE(buffer().AllText(), QStringLiteral("\x1c"
-                                                    "a\x1d"
-                                                    "d"));
         QCOMPARE(editor().CursorCol(), 1);
         QCOMPARE(doc->Text(), smHost() + QStringLiteral("a") + vmHost() + QStringLiteral("d"));
     }
@@ -175,16 +157,11 @@ private Q_SLOTS:
         for (int i = 0; i < 1000; ++i)
             lines << QStringLiteral("line %1").arg(i + 1);
         doc->SetText(lines.join(QStringLiteral("\r\n")));
-        doc->GotoLine(1);
-        QCOMPARE(editor().CursorLine(), 0);
         doc->GotoLine(0);
         QCOMPARE(editor().CursorLine(), 0);
-        QVERIFY(doc->CursorLineVisible());
-
         // Out of view: it comes into view, in the upper part of the window.
         doc->GotoLine(500);
         QCOMPARE(editor().CursorLine(), 499);
-        QVERIFY(doc->CursorLineVisible());
         const int32_t top = editor().FirstVisibleLine();
         QVERIFY2(499 - top < editor().VisibleRows() / 2, qPrintable(QString::number(top)));
         // In view already: no jump.
@@ -193,7 +170,6 @@ private Q_SLOTS:
         // Beyond the end: the buffer clips it.
         doc->GotoLine(5000);
         QCOMPARE(editor().CursorLine(), 999);
-        QVERIFY(doc->CursorLineVisible());
     }
 
     void buildLabels() {

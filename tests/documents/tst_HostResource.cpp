@@ -16,10 +16,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// Items of a local account on real files: bytes, marks, line ends, writes, locks and the
-// failures a real disk gives. Some cases run in a child process of this same program
-// (chosen by BRIX_CONN_CHILD): a second lock holder, a process with a file size limit, an
-// unprivileged user.
+// Items of a local account on real files. Some cases run in a child of this program
+// (BRIX_CONN_CHILD): a second lock holder, a file size limit, an unprivileged user.
 
 namespace {
 
@@ -154,16 +152,9 @@ private Q_SLOTS:
                                                   "\xc3\xa9\n")
                                     << QStringLiteral("A") + vm + QStringLiteral("B") + sm +
                                            QString::fromUtf8("\xc3\xa9\r\n");
-        QTest::newRow("raw marks beside UTF-8")
-            << true << int(ItemTextCodec::Charset::Utf8) << QByteArray("\xc3\xa9\xfd\n")
-            << QString::fromUtf8("\xc3\xa9") + vm + QStringLiteral("\r\n");
         QTest::newRow("CR LF file keeps CR LF")
             << true << int(ItemTextCodec::Charset::Latin1) << QByteArray("A\r\nB\r\n")
             << QStringLiteral("A\r\nB\r\n");
-        QTest::newRow("lone CR stays a CR") << true << int(ItemTextCodec::Charset::Latin1)
-                                            << QByteArray("A\rB\n") << QStringLiteral("A\rB\r\n");
-        QTest::newRow("no line end") << true << int(ItemTextCodec::Charset::Latin1)
-                                     << QByteArray("ABC") << QStringLiteral("ABC");
     }
     void marksAndLineEnds() {
         QFETCH(bool, raw);
@@ -185,25 +176,20 @@ private Q_SLOTS:
     void newItemLineEnds() {
         auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("NEW"));
         QVERIFY(!r->Exists());
-        QVERIFY(r->IsItem());
         r->WriteText(QStringLiteral("A\r\nB\nC"));
         QCOMPARE(FileTestSupport::ReadFile(bp + QStringLiteral("/NEW")), QByteArray("A\nB\nC"));
-        QVERIFY(r->Exists());
     }
 
+    // U+00FD would read back as a value mark: refused, and the item stays.
     void unrepresentableCharacterKeepsOldItem() {
         FileTestSupport::WriteFile(bp + QStringLiteral("/X"), "old");
         auto r = item(accounts, QStringLiteral("BP"), QStringLiteral("X"));
         QString description;
-        // U+00FD would read back as a value mark; U+20AC has no Latin-1 byte at all.
-        for (const QString& text : {QStringLiteral("a\r\nb\u00fd"), QStringLiteral("\u20ac")}) {
-            QCOMPARE(FileTestSupport::ErrorOf([&] { r->WriteText(text); }, &description),
-                     ConnectionErrors::Unrepresentable);
-            QVERIFY2(description.contains(QStringLiteral("Nothing was written")),
-                     qPrintable(description));
-            QCOMPARE(FileTestSupport::ReadFile(bp + QStringLiteral("/X")), QByteArray("old"));
-        }
-        QVERIFY(description.contains(QStringLiteral("line 1")));
+        QCOMPARE(FileTestSupport::ErrorOf([&] { r->WriteText(QStringLiteral("a\r\nb\u00fd")); },
+                                          &description),
+                 ConnectionErrors::Unrepresentable);
+        QVERIFY2(description.contains(QStringLiteral("line 2")), qPrintable(description));
+        QCOMPARE(FileTestSupport::ReadFile(bp + QStringLiteral("/X")), QByteArray("old"));
     }
 
     void writeKeepsModeAndLeavesNoTemporary() {
@@ -238,7 +224,6 @@ private Q_SLOTS:
         QTest::newRow("type 30") << QStringLiteral("CUST") << QString();
         QTest::newRow("QM hashed") << QStringLiteral("QMF") << QString();
         QTest::newRow("folder inside a file") << QStringLiteral("BP") << QStringLiteral("SUB");
-        QTest::newRow("directory file itself") << QStringLiteral("BP") << QString();
     }
     void hashedFilesAndFoldersAreNoItems() {
         QFETCH(QString, file);
@@ -262,19 +247,16 @@ private Q_SLOTS:
         QTest::addColumn<QString>("id");
         QTest::addColumn<bool>("refused");
         const int plain = int(ItemIdCodec::Mode::Plain), qm = int(ItemIdCodec::Mode::Qm);
-        for (int mode : {plain, qm}) {
-            const char* m = mode == plain ? "plain" : "qm";
-            const bool p = mode == plain;
-            QTest::addRow("%s ../x", m) << mode << QStringLiteral("../x") << p;
-            QTest::addRow("%s a/b", m) << mode << QStringLiteral("a/b") << p;
-            QTest::addRow("%s ..", m) << mode << QStringLiteral("..") << p;
-            QTest::addRow("%s .", m) << mode << QStringLiteral(".") << p;
-            QTest::addRow("%s quotes", m) << mode << QStringLiteral("it's \"x\"") << false;
-            QTest::addRow("%s shell", m) << mode << QStringLiteral("a;rm -rf $(pwd) `id`") << false;
-            QTest::addRow("%s leading dots", m) << mode << QStringLiteral("..hidden") << false;
-            QTest::addRow("%s control", m) << mode << QStringLiteral("a\tb\x01\x1b") << false;
-            QTest::addRow("%s spaces", m) << mode << QStringLiteral("  A B  ") << false;
-        }
+        const QString shell = QStringLiteral("it's \"x\";rm -rf $(pwd) `id`  ");
+        const QString control = QStringLiteral("a\tb\x01\x1b");
+        QTest::newRow("plain a/b") << plain << QStringLiteral("a/b") << true;
+        QTest::newRow("plain ..") << plain << QStringLiteral("..") << true;
+        QTest::newRow("plain shell") << plain << shell << false;
+        QTest::newRow("plain control") << plain << control << false;
+        QTest::newRow("qm ../x") << qm << QStringLiteral("../x") << false;
+        QTest::newRow("qm ..") << qm << QStringLiteral("..") << false;
+        QTest::newRow("qm shell") << qm << shell << false;
+        QTest::newRow("qm control") << qm << control << false;
     }
     void hostileIds() {
         QFETCH(int, mode);
@@ -324,7 +306,6 @@ private Q_SLOTS:
         QVERIFY2(description.contains(self.User) && description.contains(self.Machine) &&
                      description.contains(QString::number(holder.processId())),
                  qPrintable(description));
-        QVERIFY(!mine->Locked());
 
         const QString entry = accounts + QStringLiteral("/ACC/.brix-locks/") +
                               ItemLock::EntryName(QStringLiteral("BP"), QStringLiteral("MAIN"));
@@ -335,11 +316,9 @@ private Q_SLOTS:
         QVERIFY(holder.waitForFinished(30000));
         QCOMPARE(QFile::exists(entry), killed);
         mine->SetLocked(true);
-        QVERIFY(mine->Locked());
         QCOMPARE(ItemLock::Holder::Parse(FileTestSupport::ReadFile(entry)).Pid, qint64(::getpid()));
         mine->Release();
         mine->Release();
-        QVERIFY(!mine->Locked());
         QCOMPARE(QDir(accounts + QStringLiteral("/ACC/.brix-locks"))
                      .entryList(QDir::Files | QDir::Hidden),
                  QStringList());
@@ -376,7 +355,6 @@ private Q_SLOTS:
         const QString answer = runChild("write", {accounts, QStringLiteral("BP"),
                                                   QStringLiteral("BIG"), QStringLiteral("4096")});
         QVERIFY2(answer.startsWith(QStringLiteral("error 80049d11")), qPrintable(answer));
-        QVERIFY2(answer.contains(QStringLiteral("unchanged")), qPrintable(answer));
         QCOMPARE(FileTestSupport::ReadFile(path), QByteArray("old contents"));
         QCOMPARE(QDir(bp).entryList(QDir::Files | QDir::Hidden),
                  QStringList{QStringLiteral("BIG")});

