@@ -39,7 +39,6 @@ private Q_SLOTS:
     void init() {
         Settings().CommentColor = 0x00123456;
         Settings().CommentStyle = 2;
-        Settings().BackColor = 0x00F0E0D0;
         document = mvDocument::Create();
         QVERIFY(document->FileNew());
         QVERIFY(window());
@@ -54,55 +53,23 @@ private Q_SLOTS:
     }
 
     void loadSetsUpLexerColoursAndNumbers() {
-        frmDocument* w = window();
-        QVERIFY(w->Lex());
-        QCOMPARE(control().Buffer().Lex(), std::static_pointer_cast<ISourceLex4>(w->Lex()));
-        QVERIFY(w->Lex()->Highlight);
-        QCOMPARE(control().Gutter().DrawHook(), std::static_pointer_cast<ISourceDraw2>(w->Draw()));
+        QCOMPARE(control().Buffer().Lex(), std::static_pointer_cast<ISourceLex4>(window()->Lex()));
+        QCOMPARE(control().Gutter().DrawHook(),
+                 std::static_pointer_cast<ISourceDraw2>(window()->Draw()));
         QCOMPARE(foreOf(TokenKind::Comment), 0x123456L);
         QVERIFY(control().SendScintilla(QsciScintillaBase::SCI_STYLEGETITALIC,
                                         ScintillaBuffer::StyleOfKind(TokenKind::Comment)) != 0);
-        QCOMPARE(foreOf(TokenKind::ValueMark), long(0x969696));
-        QCOMPARE(control().SendScintilla(QsciScintillaBase::SCI_STYLEGETBACK,
-                                         QsciScintillaBase::STYLE_DEFAULT),
-                 0xF0E0D0L);
         QCOMPARE(styleAt(3, 0), ScintillaBuffer::StyleOfKind(TokenKind::Comment));
         QCOMPARE(styleAt(0, 1), ScintillaBuffer::StyleOfKind(TokenKind::Reserved));
-        QCOMPARE(control().Buffer().GetLineData(0, 1), 0x30000);
-        QCOMPARE(control().Buffer().GetLineData(1, 1), 0x80);
-        // The printer's table waits for colour printing.
-        QCOMPARE(w->PrintStyles().Get(TokenKind::Comment).Color, 0);
-        QCOMPARE(w->PrintStyles().Get(TokenKind::Comment).Style, int16_t(2));
     }
 
     // The document's switch reaches the lexer, and the text is coloured again.
     void highlightSwitch() {
         QCOMPARE(styleAt(0, 1), ScintillaBuffer::StyleOfKind(TokenKind::Reserved));
         document->SetHighlight(false);
-        QVERIFY(!window()->Lex()->Highlight);
         QCOMPARE(styleAt(0, 1), ScintillaBuffer::StyleOfKind(TokenKind::Plain));
-        QCOMPARE(control().Buffer().GetLineData(1, 1), 0);
         document->SetHighlight(true);
         QCOMPARE(styleAt(0, 1), ScintillaBuffer::StyleOfKind(TokenKind::Reserved));
-    }
-
-    // The document starts from the setting; a new view follows it.
-    void highlightFromTheSetting() {
-        Settings().Highlight = false;
-        auto other = mvDocument::Create();
-        QVERIFY(other->FileNew());
-        auto* w = dynamic_cast<frmDocument*>(other->View());
-        QVERIFY(w && !w->Lex()->Highlight);
-        other->FileClose(false);
-    }
-
-    void applySettingsAgain() {
-        Settings().ReservedColor = 0x000000FF;
-        Settings().ColorPrinting = true;
-        window()->ApplySettings();
-        QCOMPARE(foreOf(TokenKind::Reserved), 0x0000FFL);
-        QCOMPARE(window()->PrintStyles().Get(TokenKind::Reserved).Color, 0x0000FF);
-        QCOMPARE(foreOf(TokenKind::Plain), long(modColors::ResolveColor(Settings().NormalColor)));
     }
 };
 

@@ -50,21 +50,6 @@ private Q_SLOTS:
     void init() { session.StartTest(); }
     void cleanup() { session.EndTest(true); }
 
-    void leadingNumber_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("number");
-        QTest::newRow("plain") << "42" << 42;
-        QTest::newRow("blanks and tail") << "  12abc" << 12;
-        QTest::newRow("none") << "abc" << 0;
-        QTest::newRow("negative") << "-3" << -3;
-        QTest::newRow("huge") << "99999999999999" << 2147483647;
-    }
-    void leadingNumber() {
-        QFETCH(QString, text);
-        QFETCH(int, number);
-        QCOMPARE(frmGoto::LeadingNumber(text), number);
-    }
-
     // A line number, clipped by the buffer, and a label of the then active document.
     void gotoLineAndLabel() {
         auto first = open(QStringLiteral("START: X = 1\n100 Y = 2\nZ = 3"));
@@ -101,17 +86,6 @@ private Q_SLOTS:
         QVERIFY(stillUp);
         QCOMPARE(session.Answers->Texts(),
                  QStringList{"The following error has occurred:\nTarget label not found!"});
-    }
-
-    // The check box writes its setting at once, even when the dialog is cancelled.
-    void noDialogSetting() {
-        auto document = open(QStringLiteral("10 X = 1"));
-        whileShown(QString(), [] {
-            dialog().chkNoGoDlg->setChecked(true);
-            QTest::mouseClick(dialog().cmdCancel, Qt::LeftButton);
-        });
-        QVERIFY(Settings().NoGotoDialog);
-        dialog().chkNoGoDlg->setChecked(false);
     }
 };
 

