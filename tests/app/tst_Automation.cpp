@@ -13,11 +13,7 @@ class tst_Automation : public QObject {
 
 private Q_SLOTS:
     // Scenarios of automation_client.py and each fact it printed; a second word names a file
-    // under the bus's folder. Round trip of a local file with a blank in its name (one
-    // DocumentClose heard, the closed path gone); Item by position and by number; the host
-    // context (empty writes ignored, Folder never written); malformed calls get D-Bus errors
-    // and the editor goes on; the editor ends with its last client, and ended by hand tells
-    // Quit once the settings are written; the interfaces as a client sees them.
+    // under the bus's folder. Malformed calls get D-Bus errors and the editor goes on.
     void scenarios_data() {
         QTest::addColumn<QStringList>("scenario");
         QTest::addColumn<QStringList>("expected");
@@ -93,57 +89,6 @@ private Q_SLOTS:
         QCOMPARE(bus.Client(scenario, &out), 0);
         QCOMPARE(lines(out), expected);
         QCOMPARE(FileTestSupport::ReadFile(file), fileAfter);
-    }
-
-    // gdbus alone: activation, a document made new and read back, then closed.
-    void gdbusDrivesTheEditor() {
-        AutomationBus bus;
-        QVERIFY(bus.Up());
-        QByteArray out;
-        QCOMPARE(bus.Gdbus(QStringLiteral("/Documents"),
-                           QStringLiteral("com.tolvek.Brix70.mvDocuments.AddNew"), {}, &out),
-                 0);
-        const QString path = QString::fromUtf8(out).section(QLatin1Char('\''), 1, 1);
-        QVERIFY2(path.startsWith(QLatin1String("/Documents/")), out.constData());
-        QCOMPARE(bus.Gdbus(path, QStringLiteral("org.freedesktop.DBus.Properties.Set"),
-                           {QStringLiteral("com.tolvek.Brix70.mvDocument"),
-                            QStringLiteral("SelText"), QStringLiteral("<'END'>")},
-                           &out),
-                 0);
-        QCOMPARE(bus.Gdbus(path, QStringLiteral("org.freedesktop.DBus.Properties.Get"),
-                           {QStringLiteral("com.tolvek.Brix70.mvDocument"), QStringLiteral("Text")},
-                           &out),
-                 0);
-        QCOMPARE(out.trimmed(), QByteArray("(<'END'>,)"));
-        QCOMPARE(bus.Gdbus(path, QStringLiteral("com.tolvek.Brix70.mvDocument.FileClose"),
-                           {QStringLiteral("false")}, &out),
-                 0);
-        QCOMPARE(out.trimmed(), QByteArray("(true,)"));
-    }
-
-    // A user start: the arguments of the process, names with blanks among them, become
-    // the command line; relative names are taken from the current folder, and an absolute
-    // path is a file name, not a switch.
-    void commandLineOfAUserStart() {
-        AutomationBus bus;
-        QVERIFY(bus.Up());
-        QDir().mkpath(bus.Path(QStringLiteral("work/sub dir")));
-        FileTestSupport::WriteFile(bus.Path(QStringLiteral("work/sub dir/my prog.bas")), "END\n");
-        FileTestSupport::WriteFile(bus.Path(QStringLiteral("work/b.bas")), "END\n");
-        QProcess editor;
-        editor.setProcessEnvironment(bus.EditorEnvironment());
-        editor.setWorkingDirectory(bus.Path(QStringLiteral("work")));
-        editor.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        editor.start(qEnvironmentVariable("BRIX_BUILD_DIR") + QStringLiteral("/brix"),
-                     {QStringLiteral("sub dir/my prog.bas"), QStringLiteral("/L"),
-                      bus.Path(QStringLiteral("work/b.bas"))});
-        QVERIFY(editor.waitForStarted(10000));
-        QByteArray out;
-        QCOMPARE(bus.Client({QStringLiteral("opened")}, &out), 0);
-        QCOMPARE(lines(out),
-                 (QStringList{QStringLiteral("my prog.bas False"), QStringLiteral("b.bas True")}));
-        editor.terminate();
-        QVERIFY(editor.waitForFinished(30000));
     }
 };
 

@@ -41,8 +41,6 @@ private Q_SLOTS:
     void joinArguments_data() {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("line");
-        QTest::newRow("none") << QStringList() << QString();
-        QTest::newRow("plain names") << QStringList{"a.txt", "/L"} << "a.txt /L";
         QTest::newRow("name with a blank")
             << QStringList{"my dir/my file.bas"} << "\"my dir/my file.bas\"";
         // Taken from "/": an absolute path is no switch.
@@ -68,13 +66,9 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("documents");
         QTest::addColumn<QString>("host");
 
-        const QString fresh = QStringLiteral("mvdb|*||");
         // Every local file opened moves the host context to its folder.
         const QString local = QStringLiteral("file|||LOCAL");
         const QList<int32_t> none;
-        QTest::newRow("empty") << "   " << none << QStringList() << fresh;
-        QTest::newRow("two files, first active")
-            << "a.txt  b.txt" << none << QStringList{"a.txt", "b.txt"} << local;
         QTest::newRow("quoted name with blanks")
             << "\"with blank/c d.txt\" b.txt" << none << QStringList{"c d.txt", "b.txt"} << local;
         QTest::newRow("/L protects what follows")
@@ -86,8 +80,6 @@ private Q_SLOTS:
         QTest::newRow("switches apply left to right")
             << "/A=DEMO /F=BP /I=HELLO /f=LIB /I=OTHER" << none << QStringList{"HELLO", "OTHER"}
             << "mvdb|*|DEMO|LIB";
-        QTest::newRow("quoted folder with a blank")
-            << "/A=DEMO /F=\"MY FILE\" /I=X" << none << QStringList{"X"} << "mvdb|*|DEMO|MY FILE";
         QTest::newRow("failed open is closed, the walk goes on")
             << "missing.txt b.txt" << QList<int32_t>{MsgBox::No} << QStringList{"b.txt"} << local;
         // A quoted item keeps its opening quote and swallows the fields after it.
@@ -101,7 +93,6 @@ private Q_SLOTS:
         QFETCH(QStringList, documents);
         QFETCH(QString, host);
         HostAccountFixture& account = *session.Account;
-        account.WriteItem(QStringLiteral("MY FILE"), QStringLiteral("X"), "* x\n");
         const QString local = account.LocalFolder();
         FileTestSupport::WriteFile(local + QStringLiteral("/a.txt"), "A\n");
         FileTestSupport::WriteFile(local + QStringLiteral("/b.txt"), "B\n");

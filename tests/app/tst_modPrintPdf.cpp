@@ -22,7 +22,6 @@ private Q_SLOTS:
         QTest::newRow("prints") << QStringList{"OUT", "prog.bp"} << 0 << QString();
         QTest::newRow("missing file")
             << QStringList{"OUT", "none.bp"} << 2 << "none.bp: no such file";
-        QTest::newRow("folder") << QStringList{"OUT", "."} << 2 << "not a readable file";
         QTest::newRow("output can't be written")
             << QStringList{"no/such/folder/x.pdf", "prog.bp"} << 2 << "could not be written";
         QTest::newRow("no file named") << QStringList{"OUT"} << 2 << "usage: brix --print-pdf";

@@ -18,13 +18,10 @@ private Q_SLOTS:
         row("last word: back to the left", syntax, int(syntax.indexOf(QLatin1String("error"))),
             "error", 12);
         row("first digits to the right", "[B100] 12", 0, "", 100);
-        row("number at the start, clicked after it", "42 missing END", 3, "missing", 42);
         row("selection wins", "Line 12 near 7", 5, "12", 12);
         row("forward stops at the line end", "no number\n5: next line", 0, "no", 0);
         row("backward stops at the line end", "3: first\nsecond line", 9, "second", 0);
-        row("backward on a later line", "first\n17 bad token", 12, "token", 17);
         row("QM include form", "Compiling\r\n12.3: Bad", 11, "", 12);
-        row("zero padded", "000012 error", 7, "error", 12);
         row("any number on the line counts", "Compiled 1 program", 0, "Compiled", 1);
         row("nothing", "no errors", 3, "errors", 0);
         row("too large a number", "99999999999 x", 12, "x", 0);

@@ -32,8 +32,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("provider");
         QTest::addColumn<int>("size");
         QTest::addColumn<int>("lines");
-        QTest::newRow("empty") << ""
-                               << "mvdb" << 0 << 1;
         QTest::newRow("three lines, final line end") << "a\r\nbb\r\nc\r\n"
                                                      << "mvdb" << 7 << 3;
         QTest::newRow("same on a local file") << "a\r\nbb\r\nc\r\n"

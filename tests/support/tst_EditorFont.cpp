@@ -47,7 +47,6 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(source, dir.filePath(QStringLiteral("mvluconw.ttf"))));
         bool installed = EditorFont::Add(dir.path());
         QVERIFY(installed);
-        QCOMPARE(applicationFonts(), 1);
         // Without the flag the font stays.
         bool notInstalled = false;
         EditorFont::Remove(notInstalled);
