@@ -26,6 +26,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QStatusBar>
+#include <QTimer>
 #include <csignal>
 #include <cstdio>
 #include <unistd.h>
@@ -495,6 +496,54 @@ private Q_SLOTS:
         type("* four\n");
         QVERIFY(d->FileSave());
         QCOMPARE(answers->Seen.size(), 2);
+    }
+
+    // The ssh connection dies at some moment of the save of a large item: the host keeps the
+    // old text or has all of the new, and a failed save leaves the document open, modified.
+    void connectionKilledDuringASave() {
+        const QByteArray versions[2] = {version(0), version(1)};
+        Settings().RecordLocking = false;
+        const int rounds = 6;
+        qint64 perSave = 0;
+        int failed = 0;
+        for (int round = -1; round < rounds; ++round) {
+            account->WriteItem("BP", "BIG", versions[0]);
+            const QString path = overSsh("BIG");
+            if (path.isEmpty())
+                QSKIP(qPrintable(sshd->Error()));
+            auto d = mvDocument::Create();
+            QVERIFY2(d->FileOpen(path, false), qPrintable(answers->Texts().join('\n')));
+            d->SetText(QString::fromLatin1(versions[1]));
+            const QString mine = d->Text();
+            // The first round measures a save; the others kill the server across its first half,
+            // where the text goes over.
+            QTimer killer;
+            killer.setSingleShot(true);
+            connect(&killer, &QTimer::timeout, this, [this] { sshd->Kill(); });
+            if (round >= 0)
+                killer.start(static_cast<int>(perSave * round / (2 * rounds)));
+            QElapsedTimer clock;
+            clock.start();
+            const int shown = answers->Seen.size();
+            const bool saved = d->FileSave();
+            perSave = round < 0 ? clock.elapsed() : perSave;
+            const QByteArray onHost = account->ReadItem("BP", "BIG");
+            QVERIFY2(
+                onHost == versions[0] || onHost == versions[1],
+                qPrintable(QStringLiteral("round %1: %2 bytes").arg(round).arg(onHost.size())));
+            if (!saved) {
+                ++failed;
+                QVERIFY(d->IsDirty());
+                QCOMPARE(d->Text(), mine);
+                QCOMPARE(answers->Seen.size(), shown + 1);
+                QVERIFY2(answers->Seen.last().Text.contains("ssh"),
+                         qPrintable(answers->Seen.last().Text));
+            }
+            QVERIFY(d->FileClose(false));
+        }
+        Settings().RecordLocking = true;
+        qInfo("server killed in %d saves (%lld ms each): %d failed", rounds, perSave, failed);
+        QVERIFY(failed > 0);
     }
 
     // Killing the process at any moment of a save leaves the old text or the new one, and

@@ -6,6 +6,7 @@
 #include "language/clsKeywords.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 
 // Golden files: each tests/fixtures/language/<name>.bas has beside it <name>.bas.tokens with
@@ -34,6 +35,30 @@ QString escaped(QStringView text) {
     }
     return out;
 }
+
+// Passes every call on to a LexClass and counts the lines it is asked to scan.
+class CountingLex final : public ISourceLex4 {
+public:
+    LexClass inner;
+    int lines = 0;
+    void ISourceLex4_BeginLineScan(SourceBuffer& b, int32_t line, QStringView text,
+                                   int32_t r) override {
+        ++lines;
+        inner.ISourceLex4_BeginLineScan(b, line, text, r);
+    }
+    void ISourceLex4_EndLineScan(SourceBuffer& b, bool& result) override {
+        inner.ISourceLex4_EndLineScan(b, result);
+    }
+    QString ISourceLex4_GetDesiredCase(const QString& t) override {
+        return inner.ISourceLex4_GetDesiredCase(t);
+    }
+    void ISourceLex4_GetLineIndex(int32_t& i) override { inner.ISourceLex4_GetLineIndex(i); }
+    int32_t ISourceLex4_GetProperties(int32_t& p) override {
+        return inner.ISourceLex4_GetProperties(p);
+    }
+    void ISourceLex4_ScanToken(SourceToken& t) override { inner.ISourceLex4_ScanToken(t); }
+    void ISourceLex4_SetLineIndex(int32_t i) override { inner.ISourceLex4_SetLineIndex(i); }
+};
 
 } // namespace
 
@@ -221,6 +246,59 @@ private Q_SLOTS:
         view->SetCursor(0, between);
         (void)view->grab();
         QVERIFY(styledAsTokens(between));
+    }
+
+    // Over real programs nobody here wrote, the tokens cover every line exactly.
+    void corpusTokensCoverEveryLine() {
+        QDirIterator it(TestEnv::Shared(QStringLiteral("corpus")), QDir::Files,
+                        QDirIterator::Subdirectories);
+        int programs = 0;
+        ScintillaBuffer& b = view->Buffer();
+        while (it.hasNext()) {
+            const QString path = it.next();
+            if (path.endsWith(QLatin1String(".md")))
+                continue;
+            ++programs;
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            b.SetAllText(QString::fromLatin1(file.readAll().replace("\r\n", "\n")));
+            int32_t scanTo = b.NumLines() - 1;
+            b.UpdateLines(0, scanTo, scanTo);
+            for (int32_t i = 0; i < b.NumLines(); ++i) {
+                int32_t at = 0;
+                for (const SourceToken& t : b.ScanLine(i)) {
+                    QVERIFY2(t.Start == at && t.Length > 0,
+                             qPrintable(QStringLiteral("%1:%2").arg(path).arg(i + 1)));
+                    at += t.Length;
+                }
+                QCOMPARE(at, b.GetLineLength(i));
+            }
+        }
+        QVERIFY(programs > 150);
+    }
+
+    // A key typed in a long program scans the line it changed and no other; a new line,
+    // the two it touches.
+    void typingScansOnlyTheChangedLine() {
+        auto counting = std::make_shared<CountingLex>();
+        view->Buffer().SetLex(counting);
+        QString text;
+        for (int i = 0; i < 400; ++i)
+            text += QStringLiteral("   IF X%1 THEN GOSUB 100 ; * note\n").arg(i);
+        view->Buffer().SetAllText(text);
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        view->SetCursor(3, 5);
+        view->repaint();
+        QCoreApplication::processEvents();
+        for (const Qt::Key key : {Qt::Key_A, Qt::Key_B, Qt::Key_Return}) {
+            counting->lines = 0;
+            QTest::keyClick(view.get(), key);
+            view->repaint();
+            QCoreApplication::processEvents();
+            QCOMPARE(counting->lines, key == Qt::Key_Return ? 2 : 1);
+        }
+        QVERIFY(styledAsTokens(5));
     }
 
     // A new line keeps the indentation of the one above.

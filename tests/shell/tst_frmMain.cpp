@@ -22,9 +22,11 @@
 
 #include <QClipboard>
 #include <QDialog>
+#include <QImage>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QMimeData>
 #include <QScopeGuard>
 #include <QTabBar>
 #include <QTimer>
@@ -468,6 +470,33 @@ private Q_SLOTS:
         QCOMPARE(frame->AutoSaveTicks, 0);
         frame->AutoSaveTimerTick();
         QCOMPARE(frame->AutoSaveTicks, 1);
+    }
+
+    // Marks and characters beyond the BMP go through the clipboard as text; a picture is no
+    // text to paste.
+    void clipboardText() {
+        const QString text = QStringLiteral("\u00c5ngstr\u00f6m \u03a9 \U0001F600");
+        QVERIFY(UnicodeClipboard::SetText(text));
+        QCOMPARE(QGuiApplication::clipboard()->text(), text);
+        QVERIFY(UnicodeClipboard::TextAvailable());
+        auto* picture = new QMimeData;
+        picture->setImageData(QImage(2, 2, QImage::Format_RGB32));
+        QGuiApplication::clipboard()->setMimeData(picture);
+        QVERIFY(!UnicodeClipboard::TextAvailable());
+    }
+
+    void captionShowsMaximisedChild() {
+        auto document = dirtyNew();
+        settle();
+        auto* window = dynamic_cast<frmDocument*>(document->View());
+        window->showMaximized();
+        settle();
+        frame->SetTitle(QStringLiteral("Brix"));
+        QCOMPARE(frame->windowTitle(),
+                 QStringLiteral("Brix - [") + window->Title() + QStringLiteral("]"));
+        window->showNormal();
+        settle();
+        QCOMPARE(frame->windowTitle(), QStringLiteral("Brix"));
     }
 };
 
