@@ -3,11 +3,8 @@
 
 #include "documents/BrowseModel.h"
 #include "documents/ItemLock.h"
-#include "documents/frmBrowse.h"
 #include "documents/mvConnection.h"
 
-#include <QLineEdit>
-#include <QListWidget>
 #include <QTemporaryDir>
 #include <sys/stat.h>
 
@@ -137,40 +134,17 @@ private Q_SLOTS:
             return out;
         };
         QCOMPARE(names(), (QStringList{QStringLiteral("sub/"), QStringLiteral("keys.txt")}));
-        m.FilterByExtension = false;
-        QCOMPARE(names().size(), 3);
-        m.FilterByExtension = true;
         QCOMPARE(mvPath::Parse(m.PathFor(QStringLiteral("list"))).ItemID,
                  QStringLiteral("list.txt"));
         QCOMPARE(mvPath::Parse(m.PathFor(QStringLiteral("list.csv"))).ItemID,
                  QStringLiteral("list.csv"));
         QVERIFY(m.Enter(QStringLiteral("sub")));
         QCOMPARE(names(), QStringList{QStringLiteral("inner.txt")});
-        QVERIFY(!m.Enter(QStringLiteral("inner.txt")));
         m.LocalUp();
         QCOMPARE(m.LocalFolder(), local);
         BrowseModel import(QStringLiteral("Import"), nullptr, QStringLiteral("txt"), false, false);
         QCOMPARE(mvPath::Parse(import.PathFor(local + QStringLiteral("/list"))).ItemID,
                  QStringLiteral("list"));
-    }
-
-    // The dialog is a thin skin: a picked item and the caption's button give resources.
-    void dialog() {
-        frmBrowse dialog(QStringLiteral("Open"), resource(QStringLiteral("mvdb://*/ACC/BP/")), {},
-                         true, true, nullptr);
-        QCOMPARE(dialog.windowTitle(), QStringLiteral("Open"));
-        auto* items = dialog.findChild<QListWidget*>(QStringLiteral("lstItems"));
-        QVERIFY(items);
-        QCOMPARE(items->count(), 4);
-        items->item(1)->setSelected(true);
-        items->item(3)->setSelected(true);
-        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("txtName"));
-        QCOMPARE(name->text(), QStringLiteral("\"MAIN\" \"SUB\""));
-        dialog.accept();
-        QCOMPARE(dialog.result(), int(QDialog::Accepted));
-        const auto chosen = dialog.Chosen();
-        QCOMPARE(chosen.size(), size_t(2));
-        QCOMPARE(chosen[1]->Path(), QStringLiteral("mvdb://prod/ACC/BP/SUB"));
     }
 };
 
