@@ -13,11 +13,10 @@
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 
-#include <QDirIterator>
 #include <QRandomGenerator>
 
-// Bytes from disk to the editor and back: every byte in every place, random files, the
-// corpus, NULs, and the form marks are written in, for local files and for hosts of each
+// Bytes from disk to the editor and back: every byte in every place, random files,
+// NULs, and the form marks are written in, for local files and for hosts of each
 // mark form and character set.
 class tst_ItemBytes : public QObject {
     Q_OBJECT
@@ -110,39 +109,6 @@ private Q_SLOTS:
             c = char(random.bounded(256));
         FileTestSupport::WriteFile(at.File, bytes);
         QCOMPARE(roundTrip(at, [](mvDocument&) {}), bytes);
-        // A new first line moves every other one down; each keeps its bytes.
-        const QByteArray back = roundTrip(at, [](mvDocument& d) {
-            d.Editor()->SetCursor(0, 0);
-            d.SetSelText(QStringLiteral("NEW\n"));
-        });
-        QCOMPARE(back.mid(back.indexOf('\n') + 1), bytes);
-    }
-
-    // Programs kept with raw marks show them as marks and save back unchanged.
-    void corpusComesBack() {
-        int programs = 0;
-        int marked = 0;
-        QDirIterator it(TestEnv::Shared(QStringLiteral("corpus")), QDir::Files,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            const QString source = it.next();
-            const QByteArray bytes = FileTestSupport::ReadFile(source);
-            const Place at = place(QStringLiteral("local"), QStringLiteral("PROGRAM"));
-            FileTestSupport::WriteFile(at.File, bytes);
-            auto document = mvDocument::Create();
-            QVERIFY(document->FileOpen(at.Path, false));
-            const std::string_view text = document->Buffer()->AllBytes();
-            QCOMPARE(text.find('\xFD') == std::string_view::npos, true);
-            QCOMPARE(bytes.count('\xFD'), qsizetype(std::count(text.begin(), text.end(), '\x1D')));
-            marked += bytes.contains('\xFD') ? 1 : 0;
-            document->SetDirty(true);
-            QVERIFY(document->FileSave());
-            document->FileClose(false);
-            QVERIFY2(FileTestSupport::ReadFile(at.File) == bytes, qPrintable(source));
-            ++programs;
-        }
-        QVERIFY(programs > 100);
-        QVERIFY(marked > 0);
     }
 
     // NULs are text: nothing is cut, and the window says what it holds without asking.
