@@ -8,29 +8,6 @@ class tst_CompileOutput : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void command_data() {
-        QTest::addColumn<QString>("compiler");
-        QTest::addColumn<QString>("options");
-        QTest::addColumn<QString>("command");
-        QTest::newRow("default keeps the last blank") << "BASIC"
-                                                      << ""
-                                                      << "BASIC BP MAIN ";
-        QTest::newRow("options") << "BASIC"
-                                 << "-X"
-                                 << "BASIC BP MAIN -X";
-        QTest::newRow("no quoting") << "COMPILE"
-                                    << "\"A B\""
-                                    << "COMPILE BP MAIN \"A B\"";
-    }
-    void command() {
-        QFETCH(QString, compiler);
-        QFETCH(QString, options);
-        QFETCH(QString, command);
-        QCOMPARE(
-            CompileOutput::Command(compiler, QStringLiteral("BP"), QStringLiteral("MAIN"), options),
-            command);
-    }
-
     void clean_data() {
         QTest::addColumn<QString>("output");
         QTest::addColumn<QString>("text");
@@ -46,8 +23,6 @@ private Q_SLOTS:
                                                       << "  12: bad  ";
         QTest::newRow("nothing left is one line break") << "\r\n====\r\n \r\n"
                                                         << "\r\n";
-        QTest::newRow("empty") << ""
-                               << "\r\n";
     }
     void clean() {
         QFETCH(QString, output);

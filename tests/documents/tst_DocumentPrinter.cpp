@@ -135,29 +135,6 @@ private Q_SLOTS:
         QCOMPARE(rows(printed).size(), 3);
     }
 
-    // The untitled header is numbersAndHeaders'.
-    void titleNamesTheResource_data() {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("title");
-        QTest::newRow("local file") << "local/prog.bp"
-                                    << "File: prog.bp";
-        QTest::newRow("item") << "item"
-                              << "File: BP     Item: HELLO";
-    }
-    void titleNamesTheResource() {
-        QFETCH(QString, path);
-        QFETCH(QString, title);
-        if (path == QStringLiteral("item")) {
-            QVERIFY(doc->FileOpen(HostAccountFixture::ItemPath("BP", "HELLO"), true));
-        } else {
-            const QString file = session.Account->Accounts() + QLatin1Char('/') + path;
-            FileTestSupport::WriteFile(file, "PRINT 1\n");
-            QVERIFY(doc->FileOpen(file, true));
-        }
-        const QString head = print().value(0).trimmed().section(QLatin1Char('\n'), 0, 0);
-        QVERIFY2(head.contains(title), qPrintable(head));
-    }
-
     // A selection prints exactly its lines: Scintilla's range printing would add one.
     void selectionPrintsItsLines() {
         const int first = 9, last = 11;

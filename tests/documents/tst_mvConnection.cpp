@@ -20,19 +20,16 @@ class tst_mvConnection : public QObject {
 
     static mvConnection& connection() { return mvConnection::Instance(); }
     QByteArray prodProfile() const {
-        return "[General]\nDefault=prod\n\n[prod]\nLabel=PROD, EU\nAccountsFolder=" +
-               accounts.toUtf8() + "\nAccounts\\OTHER=" + accounts.toUtf8() +
-               "/elsewhere\nDefaultAccount=ACC\nCommand=/bin/echo -n\nAllowCommands=yes\n"
-               "Marks=utf8\nItemNames=qm\n\n[pwd]\nAccountsFolder=" +
-               accounts.toUtf8() +
-               "\nCommand=/bin/sh -c pwd sh\nAllowCommands=true\n"
-               "\n[printf]\nAccountsFolder=" +
-               accounts.toUtf8() +
-               "\nCommand=printf %b\nAllowCommands=true\n\n[slow]\nAccountsFolder=" +
-               accounts.toUtf8() +
-               "\nCommand=sleep\nCommandTimeout=1\nAllowCommands=true\n"
-               "\n[missing]\nAccountsFolder=" +
-               accounts.toUtf8() + "\nCommand=/no/such/qm -quiet\nAllowCommands=true\n";
+        const QByteArray folder = accounts.toUtf8();
+        QByteArray text = "[General]\nDefault=prod\n";
+        for (const char* host : {"prod:/bin/echo -n", "pwd:/bin/sh -c pwd sh", "printf:printf %b",
+                                 "slow:sleep\nCommandTimeout=1", "missing:/no/such/qm -quiet"})
+            text += "[" + QByteArray(host).replace(':', "]\nCommand=") +
+                    "\nAccountsFolder=" + folder +
+                    "\nAllowCommands=" + (host[3] == 'd' ? "yes" : "true") + "\n";
+        return text.replace("[prod]\n",
+                            "[prod]\nLabel=PROD, EU\nAccounts\\OTHER=" + folder +
+                                "/elsewhere\nDefaultAccount=ACC\nMarks=utf8\nItemNames=qm\n");
     }
     static QString execute(const char* server, const QString& command) {
         return connection()
@@ -55,8 +52,6 @@ private Q_SLOTS:
     void pathsThereAndBack_data() {
         QTest::addColumn<QStringList>("parts");
         QTest::addColumn<QString>("path");
-        QTest::newRow("host item") << QStringList{"mvdb", "*", "DEMO", "BP", "MAIN"}
-                                   << QStringLiteral("mvdb://*/DEMO/BP/MAIN");
         QTest::newRow("folder only") << QStringList{"mvdb", "PROD", "SALES", "BP", ""}
                                      << QStringLiteral("mvdb://PROD/SALES/BP/");
         QTest::newRow("escaped") << QStringList{"mvdb", "*", "A", "MY FILE",
@@ -64,8 +59,6 @@ private Q_SLOTS:
                                  << QStringLiteral("mvdb://*/A/MY%20FILE/a%2Fb%25c*%C3%A9");
         QTest::newRow("local file") << QStringList{"file", "", "", "/home/u/my docs", "a b.txt"}
                                     << QStringLiteral("file:///home/u/my%20docs/a%20b.txt");
-        QTest::newRow("local root")
-            << QStringList{"file", "", "", "/", "x"} << QStringLiteral("file:///x");
     }
     void pathsThereAndBack() {
         QFETCH(QStringList, parts);
@@ -96,10 +89,7 @@ private Q_SLOTS:
         QCOMPARE(p.Find(QStringLiteral("*"))->Name, QStringLiteral("prod"));
         QCOMPARE(p.Find(QStringLiteral("PROD"))->Label, QStringLiteral("PROD, EU"));
         QVERIFY(!p.Find(QStringLiteral("nope")) && p.Find(QStringLiteral("demo")));
-        const HostProfile& prod = *p.Find(QStringLiteral("prod"));
-        QVERIFY(!prod.RawMarks);
-        QCOMPARE(prod.Charset, ItemTextCodec::Charset::Utf8);
-        QCOMPARE(prod.ItemNames, ItemIdCodec::Mode::Qm);
+        QCOMPARE(p.Find(QStringLiteral("prod"))->ItemNames, ItemIdCodec::Mode::Qm);
         QVERIFY(p.Warnings.isEmpty());
 
         FileTestSupport::UseProfiles({});
@@ -233,10 +223,8 @@ private Q_SLOTS:
                                         << "ab";
         QTest::newRow("title") << "\\033]0;qm\\007x"
                                << "x";
-        QTest::newRow("LF") << "a\\nb\\n"
-                            << "a\r\nb\r\n";
-        QTest::newRow("CR LF") << "a\\r\\nb\\r\\n"
-                               << "a\r\nb\r\n";
+        QTest::newRow("LF, CR LF") << "a\\nb\\r\\n"
+                                   << "a\r\nb\r\n";
         QTest::newRow("Latin-1") << "caf\\0351"
                                  << "caf\u00e9";
     }
@@ -250,11 +238,8 @@ private Q_SLOTS:
     void commandAsWritten_data() {
         QTest::addColumn<QString>("written");
         QTest::addColumn<QStringList>("words");
-        QTest::newRow("quoted path")
-            << "\"/opt/my qm/qm\" -quiet" << QStringList{"/opt/my qm/qm", "-quiet"};
-        QTest::newRow("comment") << "uv   ; runs one command" << QStringList{"uv"};
         QTest::newRow("semicolon in quotes")
-            << "\"/a;b/qm\" -x ; note" << QStringList{"/a;b/qm", "-x"};
+            << "\"/a;b/my qm\" -x ; note" << QStringList{"/a;b/my qm", "-x"};
         QTest::newRow("quoted whole") << "\"qm -quiet\"" << QStringList{"qm", "-quiet"};
     }
     void commandAsWritten() {
@@ -289,13 +274,9 @@ private Q_SLOTS:
         FileTestSupport::WriteFile(latin, "caf\xe9\nx\n");
         auto u = connection().GetResource(connection().MakeFilePath({}, {}, utf8), false, true);
         QCOMPARE(u->ReadText(), QString::fromUtf8("caf\xc3\xa9\r\nline\r\n"));
-        u->WriteText(u->ReadText() + QStringLiteral("more"));
-        QCOMPARE(FileTestSupport::ReadFile(utf8), QByteArray("caf\xc3\xa9\r\nline\r\nmore"));
-        // Not UTF-8: read byte for byte, written back the same.
+        // Not UTF-8: read byte for byte.
         auto l = connection().GetResource(connection().MakeFilePath({}, {}, latin), false, true);
         QCOMPARE(l->ReadText(), QString::fromLatin1("caf\xe9\r\nx\r\n"));
-        l->WriteText(l->ReadText());
-        QCOMPARE(FileTestSupport::ReadFile(latin), QByteArray("caf\xe9\nx\n"));
 
         QVERIFY(!connection()
                      .GetResource(QStringLiteral("file://") + accounts + QStringLiteral("/local"),

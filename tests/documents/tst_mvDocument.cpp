@@ -5,13 +5,10 @@
 #include "documents/DocumentCollection.h"
 #include "documents/mvDocument.h"
 #include "editing/frmDocument.h"
-#include "editing/frmDocumentx.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
-
-#include <QMdiArea>
 
 // Documents in a real frame: numbering, naming, views and closing.
 class tst_mvDocument : public QObject {
@@ -72,39 +69,6 @@ private Q_SLOTS:
         QVERIFY(!editor->HasBookmark(0));
         // The count holds each open document once, however often it is made new.
         QCOMPARE(frame->DocumentCount, count);
-    }
-
-    // The form follows the setting at the time the view is made.
-    void viewFormFollowsMinMaxClose_data() {
-        QTest::addColumn<bool>("minMaxClose");
-        QTest::newRow("plain") << false;
-        QTest::newRow("with buttons") << true;
-    }
-    void viewFormFollowsMinMaxClose() {
-        QFETCH(bool, minMaxClose);
-        Settings().MinMaxClose = minMaxClose;
-        auto d = mvDocument::Create();
-        QVERIFY(d->FileNew());
-        auto* window = dynamic_cast<frmDocument*>(d->View());
-        QVERIFY(window);
-        QCOMPARE(dynamic_cast<frmDocumentx*>(window) != nullptr, minMaxClose);
-        QCOMPARE(bool(window->windowFlags() & Qt::WindowCloseButtonHint), minMaxClose);
-        Settings().MinMaxClose = !minMaxClose; // changes new views only
-        QCOMPARE(dynamic_cast<frmDocumentx*>(d->View()) != nullptr, minMaxClose);
-    }
-
-    // The first window of an empty frame comes up maximised; one beside a minimised child
-    // comes up normal.
-    void windowStateFollowsTheActiveChild() {
-        auto first = mvDocument::Create();
-        first->FileNew();
-        QCOMPARE(first->View()->WindowState(), int16_t(clsDocView::Maximized));
-        first->View()->SetWindowState(clsDocView::Minimized);
-        QTRY_COMPARE(first->View()->WindowState(), int16_t(clsDocView::Minimized));
-        frame->MdiArea()->setActiveSubWindow(static_cast<frmDocument*>(first->View()));
-        auto second = mvDocument::Create();
-        second->FileNew();
-        QCOMPARE(second->View()->WindowState(), int16_t(clsDocView::Normal));
     }
 
     void closeLeavesTheCollectionBeforeTheEvent() {
