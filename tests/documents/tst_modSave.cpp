@@ -29,6 +29,8 @@
 #include <cstdio>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // The two versions the saving child writes in turn: large, and of different lengths.
@@ -97,7 +99,7 @@ class tst_modSave : public QObject {
         FileTestSupport::UseProfiles(FileTestSupport::ReadFile(account->ProfilesFile()) +
                                      "\n[remote]\n" + sshd->ProfileLines() + "AccountsFolder=" +
                                      account->Accounts().toUtf8() + "\nDefaultAccount=DEMO\n");
-        return QStringLiteral("mvdb://remote/DEMO/BP/") + item;
+        return u"mvdb://remote/DEMO/BP/"_s + item;
     }
 
 public:
@@ -147,7 +149,7 @@ private Q_SLOTS:
             QVERIFY(d->FileOpen(bp(item), start.endsWith(" ro")));
         }
         d->Editor()->SetCursor(0, 0);
-        d->SetSelText(QStringLiteral("* saved\n"));
+        d->SetSelText(u"* saved\n"_s);
         const QByteArray hello = account->ReadItem("BP", "HELLO");
         const QByteArray before =
             written == item && !d->NewItem() ? account->ReadItem("BP", written) : "";
@@ -161,7 +163,7 @@ private Q_SLOTS:
         }
         QCOMPARE(account->ReadItem("BP", written), "* saved\n" + before);
         QVERIFY(!d->IsDirty() && !d->NewItem());
-        QCOMPARE(state().Host.Folder, QStringLiteral("BP"));
+        QCOMPARE(state().Host.Folder, u"BP"_s);
         QCOMPARE(account->LockHolder("BP", written), qint64(::getpid()));
     }
 
@@ -184,7 +186,7 @@ private Q_SLOTS:
         if (how == "save as") {
             answers->Push(MsgBox::Yes);
             QVERIFY(!d->FileSaveAs(HostAccountFixture::ItemPath("LIB", "OTHER")));
-            QCOMPARE(d->ItemID(), QStringLiteral("OTHER"));
+            QCOMPARE(d->ItemID(), u"OTHER"_s);
             QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
             QCOMPARE(account->LockHolder("LIB", "OTHER"), qint64(::getpid()));
         } else if (how == "close") {
@@ -194,7 +196,7 @@ private Q_SLOTS:
         } else {
             QVERIFY(!d->FileSave());
         }
-        QVERIFY2(answers->Seen.last().Text.contains(QStringLiteral("Nothing was written")),
+        QVERIFY2(answers->Seen.last().Text.contains(u"Nothing was written"_s),
                  qPrintable(answers->Seen.last().Text));
         QCOMPARE(d->Text(), text);
         QVERIFY(d->IsDirty());
@@ -219,7 +221,7 @@ private Q_SLOTS:
                                << messages << saved;
         };
         const QString lib = HostAccountFixture::ItemPath("LIB", "OTHER");
-        const QString overwrite = QStringLiteral("Item 'OTHER' exists. Overwrite?");
+        const QString overwrite = u"Item 'OTHER' exists. Overwrite?"_s;
         const QList<int32_t> none, yes{MsgBox::Yes};
         row("same item read only", true, bp("HELLO"), true, false, none,
             {"Item 'HELLO' is open in read-only mode. Please save using a different name."}, false);
@@ -252,7 +254,7 @@ private Q_SLOTS:
         Settings().RecordLocking = locking;
         auto d = mvDocument::Create();
         QVERIFY(d->FileOpen(bp("HELLO"), openReadOnly));
-        d->SetSelText(QStringLiteral("* new text\n"));
+        d->SetSelText(u"* new text\n"_s);
         const QString text = d->Text();
         const bool heldHello = account->LockHolder("BP", "HELLO") == ::getpid();
         QCOMPARE(heldHello, locking && !openReadOnly);
@@ -277,7 +279,7 @@ private Q_SLOTS:
             if (!mvPath::Same(target, bp("HELLO")))
                 QCOMPARE(account->LockHolder("BP", "HELLO"), qint64(0));
         } else {
-            QCOMPARE(d->ItemID(), QStringLiteral("HELLO"));
+            QCOMPARE(d->ItemID(), u"HELLO"_s);
             QVERIFY(d->IsDirty() && d->Text() == text);
             QCOMPARE(account->ReadItem(parts.Folder, parts.ItemID), before);
             QCOMPARE(account->LockHolder("BP", "HELLO"), heldHello ? qint64(::getpid()) : 0);
@@ -288,10 +290,10 @@ private Q_SLOTS:
     void saveAsCommand() {
         auto d = editedItem("HELLO", "* copy\n");
         QVERIFY(d);
-        Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/HELLO"));
-        Settings().RecentList->AddItem(QStringLiteral("mvdb://*/*/BP/ELSE"));
+        Settings().RecentList->AddItem(u"mvdb://*/*/BP/HELLO"_s);
+        Settings().RecentList->AddItem(u"mvdb://*/*/BP/ELSE"_s);
         DocumentFrame::WhenBrowserShows([&](frmBrowse& browser) {
-            browser.findChild<QLineEdit*>(QStringLiteral("txtName"))->setText("HELLO.COPY");
+            browser.findChild<QLineEdit*>(u"txtName"_s)->setText("HELLO.COPY");
             browser.accept();
         });
         frame->SaveDocumentAs(d);
@@ -329,7 +331,7 @@ private Q_SLOTS:
             QVERIFY(d->FileOpen(bp("HELLO"), kind == "readonly"));
         if (kind != "clean") {
             d->Editor()->SetCursor(0, 0);
-            d->SetSelText(QStringLiteral("* x\n"));
+            d->SetSelText(u"* x\n"_s);
         }
         const QString name = d->DisplayName();
         const QString key = QString::number(d->DocumentNumber());
@@ -338,7 +340,7 @@ private Q_SLOTS:
         QCOMPARE(d->FileClose(prompt), closed);
         QStringList asked;
         if (reply)
-            asked << QStringLiteral("Save changes to ") + name + QStringLiteral(" ?");
+            asked << u"Save changes to "_s + name + u" ?"_s;
         QCOMPARE(answers->Texts().mid(0, 1), asked);
         QCOMPARE(answers->Seen.size(), asked.size() + (kind == "readonly"));
         QCOMPARE(state().Documents->Contains(key), !closed);
@@ -375,10 +377,10 @@ private Q_SLOTS:
         QString path = bp("HELLO");
         QString disk = account->ItemFile("BP", "HELLO");
         if (transport == "file") {
-            disk = account->LocalFolder() + QStringLiteral("/hello.bas");
+            disk = account->LocalFolder() + u"/hello.bas"_s;
             FileTestSupport::WriteFile(disk, "END\n");
             path = mvConnection::Instance().MakePath("file", {}, {}, account->LocalFolder(),
-                                                     QStringLiteral("hello.bas"));
+                                                     u"hello.bas"_s);
         }
         auto d = mvDocument::Create();
         QVERIFY2(d->FileOpen(path, false), qPrintable(answers->Texts().join('\n')));
@@ -440,9 +442,8 @@ private Q_SLOTS:
             const bool saved = d->FileSave();
             perSave = round < 0 ? clock.elapsed() : perSave;
             const QByteArray onHost = account->ReadItem("BP", "BIG");
-            QVERIFY2(
-                onHost == versions[0] || onHost == versions[1],
-                qPrintable(QStringLiteral("round %1: %2 bytes").arg(round).arg(onHost.size())));
+            QVERIFY2(onHost == versions[0] || onHost == versions[1],
+                     qPrintable(u"round %1: %2 bytes"_s.arg(round).arg(onHost.size())));
             if (!saved) {
                 ++failed;
                 QVERIFY(d->IsDirty());
@@ -492,10 +493,9 @@ private Q_SLOTS:
         }
         QVERIFY(whole > 0);
         // Left-over temporary files neither show as items nor stop a read or a save.
-        const QString folder = account->Accounts() + QStringLiteral("/DEMO/BP");
+        const QString folder = account->Accounts() + u"/DEMO/BP"_s;
         const auto temporaries = [&] {
-            return QDir(folder).entryList({QStringLiteral(".brix-save-*")},
-                                          QDir::Files | QDir::Hidden);
+            return QDir(folder).entryList({u".brix-save-*"_s}, QDir::Files | QDir::Hidden);
         };
         const auto listing =
             std::static_pointer_cast<HostResource>(resource(HostAccountFixture::ItemPath("BP", "")))
@@ -505,20 +505,20 @@ private Q_SLOTS:
         // Those of saves killed long ago go with this process's first save in the folder;
         // one that may still be written stays.
         QStringList aged = temporaries();
-        aged << QStringLiteral(".brix-save-old");
+        aged << u".brix-save-old"_s;
         for (const QString& name : aged) {
             QFile stray(folder + QLatin1Char('/') + name);
             QVERIFY(stray.open(QIODevice::ReadWrite));
             QVERIFY(stray.setFileTime(QDateTime::currentDateTime().addSecs(-2 * 3600),
                                       QFileDevice::FileModificationTime));
         }
-        FileTestSupport::WriteFile(folder + QStringLiteral("/.brix-save-fresh"), {});
+        FileTestSupport::WriteFile(folder + u"/.brix-save-fresh"_s, {});
         auto d = mvDocument::Create();
         QVERIFY(d->FileOpen(bp("HELLO"), false));
-        d->SetText(QStringLiteral("END\n"));
+        d->SetText(u"END\n"_s);
         QVERIFY(d->FileSave());
         QCOMPARE(account->ReadItem("BP", "HELLO"), QByteArray("END\n"));
-        QCOMPARE(temporaries(), QStringList{QStringLiteral(".brix-save-fresh")});
+        QCOMPARE(temporaries(), QStringList{u".brix-save-fresh"_s});
     }
 };
 

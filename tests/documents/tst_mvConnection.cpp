@@ -11,6 +11,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+using namespace Qt::StringLiterals;
+
 // The connection service: path strings, profiles from the connections file, resources as
 // GetResource hands them out, and commands on a host.
 class tst_mvConnection : public QObject {
@@ -32,33 +34,31 @@ class tst_mvConnection : public QObject {
                                 "/elsewhere\nDefaultAccount=ACC\nMarks=utf8\nItemNames=qm\n");
     }
     static QString execute(const char* server, const QString& command) {
-        return connection()
-            .HostFor(QString::fromLatin1(server), QStringLiteral("ACC"))
-            ->Execute(command);
+        return connection().HostFor(QString::fromLatin1(server), u"ACC"_s)->Execute(command);
     }
 
 private Q_SLOTS:
     void initTestCase() {
         QVERIFY(tmp.isValid());
         accounts = tmp.path();
-        QDir().mkpath(accounts + QStringLiteral("/ACC/BP"));
-        QDir().mkpath(accounts + QStringLiteral("/elsewhere/BP"));
-        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/BP/MAIN"), "A\nB\xef\xa3\xbd"
-                                                                              "C\n");
-        FileTestSupport::WriteFile(accounts + QStringLiteral("/ACC/VOC"), "hashed");
+        QDir().mkpath(accounts + u"/ACC/BP"_s);
+        QDir().mkpath(accounts + u"/elsewhere/BP"_s);
+        FileTestSupport::WriteFile(accounts + u"/ACC/BP/MAIN"_s, "A\nB\xef\xa3\xbd"
+                                                                 "C\n");
+        FileTestSupport::WriteFile(accounts + u"/ACC/VOC"_s, "hashed");
     }
     void init() { FileTestSupport::UseProfiles(prodProfile()); }
 
     void pathsThereAndBack_data() {
         QTest::addColumn<QStringList>("parts");
         QTest::addColumn<QString>("path");
-        QTest::newRow("folder only") << QStringList{"mvdb", "PROD", "SALES", "BP", ""}
-                                     << QStringLiteral("mvdb://PROD/SALES/BP/");
+        QTest::newRow("folder only")
+            << QStringList{"mvdb", "PROD", "SALES", "BP", ""} << u"mvdb://PROD/SALES/BP/"_s;
         QTest::newRow("escaped") << QStringList{"mvdb", "*", "A", "MY FILE",
                                                 QString::fromUtf8("a/b%c*\xc3\xa9")}
-                                 << QStringLiteral("mvdb://*/A/MY%20FILE/a%2Fb%25c*%C3%A9");
+                                 << u"mvdb://*/A/MY%20FILE/a%2Fb%25c*%C3%A9"_s;
         QTest::newRow("local file") << QStringList{"file", "", "", "/home/u/my docs", "a b.txt"}
-                                    << QStringLiteral("file:///home/u/my%20docs/a%20b.txt");
+                                    << u"file:///home/u/my%20docs/a%20b.txt"_s;
     }
     void pathsThereAndBack() {
         QFETCH(QStringList, parts);
@@ -71,29 +71,28 @@ private Q_SLOTS:
     }
 
     void lenientParsing() {
-        const mvPath bare = mvPath::Parse(QStringLiteral("mvdb://PROD"));
-        QCOMPARE(bare.ServerName, QStringLiteral("PROD"));
+        const mvPath bare = mvPath::Parse(u"mvdb://PROD"_s);
+        QCOMPARE(bare.ServerName, u"PROD"_s);
         QVERIFY(bare.Database.isEmpty() && bare.ItemID.isEmpty());
-        const mvPath local = mvPath::Parse(QStringLiteral("/tmp/a%20b"));
-        QCOMPARE(local.Provider, QStringLiteral("file"));
-        QCOMPARE(local.ItemID, QStringLiteral("a%20b"));
+        const mvPath local = mvPath::Parse(u"/tmp/a%20b"_s);
+        QCOMPARE(local.Provider, u"file"_s);
+        QCOMPARE(local.ItemID, u"a%20b"_s);
         QDir::setCurrent(accounts);
-        const mvPath made =
-            mvPath::Parse(connection().MakeFilePath({}, {}, QStringLiteral("sub/../x.txt")));
+        const mvPath made = mvPath::Parse(connection().MakeFilePath({}, {}, u"sub/../x.txt"_s));
         QCOMPARE(made.Folder, accounts);
-        QCOMPARE(made.ItemID, QStringLiteral("x.txt"));
+        QCOMPARE(made.ItemID, u"x.txt"_s);
     }
 
     void profiles() {
         const ConnectionProfiles& p = connection().Profiles();
-        QCOMPARE(p.Find(QStringLiteral("*"))->Name, QStringLiteral("prod"));
-        QCOMPARE(p.Find(QStringLiteral("PROD"))->Label, QStringLiteral("PROD, EU"));
-        QVERIFY(!p.Find(QStringLiteral("nope")) && p.Find(QStringLiteral("demo")));
-        QCOMPARE(p.Find(QStringLiteral("prod"))->ItemNames, ItemIdCodec::Mode::Qm);
+        QCOMPARE(p.Find(u"*"_s)->Name, u"prod"_s);
+        QCOMPARE(p.Find(u"PROD"_s)->Label, u"PROD, EU"_s);
+        QVERIFY(!p.Find(u"nope"_s) && p.Find(u"demo"_s));
+        QCOMPARE(p.Find(u"prod"_s)->ItemNames, ItemIdCodec::Mode::Qm);
         QVERIFY(p.Warnings.isEmpty());
 
         FileTestSupport::UseProfiles({});
-        QCOMPARE(connection().Profiles().DefaultName(), QStringLiteral("demo"));
+        QCOMPARE(connection().Profiles().DefaultName(), u"demo"_s);
 
         // A default that names no connection is told, with the one that stands in.
         QByteArray misnamed = prodProfile();
@@ -113,11 +112,11 @@ private Q_SLOTS:
             "IdentityFile=~/.ssh/id_mv\nLocks=QM\n\n[nohost]\nTransport=ssh\n"
             "Port=99999\n\n[odd]\nTransport=telnet\nLocks=database\n");
         const ConnectionProfiles& p = connection().Profiles();
-        const HostProfile& remote = *p.Find(QStringLiteral("remote"));
-        QCOMPARE(remote.SshIdentityFile, QDir::homePath() + QStringLiteral("/.ssh/id_mv"));
+        const HostProfile& remote = *p.Find(u"remote"_s);
+        QCOMPARE(remote.SshIdentityFile, QDir::homePath() + u"/.ssh/id_mv"_s);
         QVERIFY(remote.QmLocks);
-        QCOMPARE(p.Find(QStringLiteral("nohost"))->SshPort, 0);
-        QVERIFY(!p.Find(QStringLiteral("odd"))->QmLocks);
+        QCOMPARE(p.Find(u"nohost"_s)->SshPort, 0);
+        QVERIFY(!p.Find(u"odd"_s)->QmLocks);
         // No host, a bad port, an unknown transport, unknown locks: one warning each, told once.
         QCOMPARE(p.Warnings.size(), 4);
         BoxAnswers boxes;
@@ -131,25 +130,23 @@ private Q_SLOTS:
     // A newcomer's first path: the demo account through the default connection.
     void demoAccount() {
         FileTestSupport::UseProfiles({});
-        auto hello =
-            connection().GetResource(QStringLiteral("mvdb://*/DEMO/BP/HELLO"), true, false);
-        QVERIFY(hello->ReadText().contains(QStringLiteral("Hello")));
+        auto hello = connection().GetResource(u"mvdb://*/DEMO/BP/HELLO"_s, true, false);
+        QVERIFY(hello->ReadText().contains(u"Hello"_s));
         // brix-check stands in for the compiler; it runs nothing else.
         QVERIFY(hello->HostAllows(12));
-        QCOMPARE(hello->Host()->Execute(QStringLiteral("BASIC BP HELLO ")),
-                 QStringLiteral("Checking BP HELLO\r\nNo structure errors.\r\n"));
-        QVERIFY(hello->Host()->Execute(QStringLiteral("LIST")).contains(QLatin1String("only")));
+        QCOMPARE(hello->Host()->Execute(u"BASIC BP HELLO "_s),
+                 u"Checking BP HELLO\r\nNo structure errors.\r\n"_s);
+        QVERIFY(hello->Host()->Execute(u"LIST"_s).contains(QLatin1String("only")));
     }
 
     void resourcesAsHandedOut() {
-        auto main = connection().GetResource(QStringLiteral("mvdb://*/acc/BP/MAIN"), false, true);
+        auto main = connection().GetResource(u"mvdb://*/acc/BP/MAIN"_s, false, true);
         QVERIFY(main->Locked());
-        QCOMPARE(main->ReadText(),
-                 QStringLiteral("A\r\nB") + QChar(0xF8FD) + QStringLiteral("C\r\n"));
+        QCOMPARE(main->ReadText(), u"A\r\nB"_s + QChar(0xF8FD) + u"C\r\n"_s);
         main->Release();
         QVERIFY(!main->Locked());
 
-        auto missing = connection().GetResource(QStringLiteral("mvdb://*/ACC/BP/NEW"), false, true);
+        auto missing = connection().GetResource(u"mvdb://*/ACC/BP/NEW"_s, false, true);
         QVERIFY(!missing->Exists() && missing->IsItem() && missing->Locked());
 
         for (const char* path :
@@ -160,9 +157,9 @@ private Q_SLOTS:
             r->Release();
         }
         // The recent list's form: the default connection's default account.
-        auto recent = connection().GetResource(QStringLiteral("mvdb://*/*/BP/MAIN"), true, false);
+        auto recent = connection().GetResource(u"mvdb://*/*/BP/MAIN"_s, true, false);
         QVERIFY(recent->Exists());
-        auto other = connection().GetResource(QStringLiteral("mvdb://*/other/BP/X"), true, false);
+        auto other = connection().GetResource(u"mvdb://*/other/BP/X"_s, true, false);
         QVERIFY(!other->Exists());
     }
 
@@ -171,19 +168,13 @@ private Q_SLOTS:
         QTest::addColumn<int>("number");
         QTest::addColumn<QString>("words");
         QTest::newRow("unknown server")
-            << QStringLiteral("mvdb://NOPE/A/B/C") << int(ConnectionErrors::UnknownServer)
-            << QStringLiteral("NOPE");
-        QTest::newRow("unknown account")
-            << QStringLiteral("mvdb://*/NOPE/B/C") << int(ConnectionErrors::UnknownAccount)
-            << QStringLiteral("NOPE");
+            << u"mvdb://NOPE/A/B/C"_s << int(ConnectionErrors::UnknownServer) << u"NOPE"_s;
         QTest::newRow("account escape")
-            << QStringLiteral("mvdb://*/..%2F..//") << int(ConnectionErrors::UnknownAccount)
-            << QStringLiteral("../..");
+            << u"mvdb://*/..%2F..//"_s << int(ConnectionErrors::UnknownAccount) << u"../.."_s;
         QTest::newRow("item without file")
-            << QStringLiteral("mvdb://*/ACC//C") << int(ConnectionErrors::BadPath)
-            << QStringLiteral("no file");
-        QTest::newRow("other provider") << QStringLiteral("ftp://x/y")
-                                        << int(ConnectionErrors::BadPath) << QStringLiteral("ftp");
+            << u"mvdb://*/ACC//C"_s << int(ConnectionErrors::BadPath) << u"no file"_s;
+        QTest::newRow("other provider")
+            << u"ftp://x/y"_s << int(ConnectionErrors::BadPath) << u"ftp"_s;
     }
     void readableFailures() {
         QFETCH(QString, path);
@@ -199,19 +190,19 @@ private Q_SLOTS:
     // The command is one argument of the profile's program: quotes, ";" and "$()" reach
     // it as they are, and it runs in the account's folder.
     void executeWithoutShell() {
-        auto r = connection().GetResource(QStringLiteral("mvdb://*/ACC/BP/MAIN"), true, false);
+        auto r = connection().GetResource(u"mvdb://*/ACC/BP/MAIN"_s, true, false);
         QVERIFY(r->HostAllows(12));
         QVERIFY(!r->HostAllows(11));
-        const QString command = QStringLiteral("BASIC BP 'MAIN'; rm -rf $(pwd) \"`id`\" > x");
+        const QString command = u"BASIC BP 'MAIN'; rm -rf $(pwd) \"`id`\" > x"_s;
         QCOMPARE(r->Host()->Execute(command, {}, 0), command);
-        QCOMPARE(r->Host()->Session().AccountName, QStringLiteral("ACC"));
-        auto pwd = connection().GetResource(QStringLiteral("mvdb://pwd/ACC/BP/"), true, false);
-        QCOMPARE(pwd->Host()->Execute(QStringLiteral("ignored")).trimmed(),
-                 QDir(accounts + QStringLiteral("/ACC")).canonicalPath());
-        QVERIFY(!QFile::exists(accounts + QStringLiteral("/ACC/x")));
+        QCOMPARE(r->Host()->Session().AccountName, u"ACC"_s);
+        auto pwd = connection().GetResource(u"mvdb://pwd/ACC/BP/"_s, true, false);
+        QCOMPARE(pwd->Host()->Execute(u"ignored"_s).trimmed(),
+                 QDir(accounts + u"/ACC"_s).canonicalPath());
+        QVERIFY(!QFile::exists(accounts + u"/ACC/x"_s));
 
-        auto server = connection().GetResource(QStringLiteral("mvdb://prod///"), true, false);
-        QCOMPARE(server->Host()->Session().AccountName, QStringLiteral("ACC"));
+        auto server = connection().GetResource(u"mvdb://prod///"_s, true, false);
+        QCOMPARE(server->Host()->Session().AccountName, u"ACC"_s);
     }
 
     // What a host writes for a terminal does not reach the results; every line ends in
@@ -219,14 +210,11 @@ private Q_SLOTS:
     void executeCleansTheOutput_data() {
         QTest::addColumn<QString>("written");
         QTest::addColumn<QString>("returned");
-        QTest::newRow("screen control") << "\\033[H\\033[2Ja\\033[24;1H\\033[Kb"
-                                        << "ab";
-        QTest::newRow("title") << "\\033]0;qm\\007x"
-                               << "x";
-        QTest::newRow("LF, CR LF") << "a\\nb\\r\\n"
-                                   << "a\r\nb\r\n";
-        QTest::newRow("Latin-1") << "caf\\0351"
-                                 << "caf\u00e9";
+        QTest::newRow("screen control, title")
+            << "\\033[H\\033[2Ja\\033]0;qm\\007\\033[24;1H\\033[Kb"
+            << "ab";
+        QTest::newRow("LF, CR LF, Latin-1") << "a\\nb\\r\\ncaf\\0351"
+                                            << "a\r\nb\r\ncaf\u00e9";
     }
     void executeCleansTheOutput() {
         QFETCH(QString, written);
@@ -245,31 +233,29 @@ private Q_SLOTS:
     void commandAsWritten() {
         QFETCH(QString, written);
         QFETCH(QStringList, words);
-        const QString file = tmp.filePath(QStringLiteral("command.conf"));
+        const QString file = tmp.filePath(u"command.conf"_s);
         FileTestSupport::WriteFile(file, "[h]\nAccountsFolder=/tmp\nCommand=" + written.toUtf8() +
                                              "\nAllowCommands=true\n");
         ConnectionProfiles profiles;
         profiles.Load(file);
-        QVERIFY(profiles.Find(QStringLiteral("h")));
-        QCOMPARE(QProcess::splitCommand(profiles.Find(QStringLiteral("h"))->CommandLine), words);
+        QVERIFY(profiles.Find(u"h"_s));
+        QCOMPARE(QProcess::splitCommand(profiles.Find(u"h"_s)->CommandLine), words);
     }
 
     void failedCommands() {
         QString description;
-        QCOMPARE(
-            FileTestSupport::ErrorOf([&] { execute("slow", QStringLiteral("30")); }, &description),
-            ConnectionErrors::CommandTimedOut);
-        QVERIFY2(description.contains(QStringLiteral("\"30\" did not finish within 1 seconds")),
+        QCOMPARE(FileTestSupport::ErrorOf([&] { execute("slow", u"30"_s); }, &description),
+                 ConnectionErrors::CommandTimedOut);
+        QVERIFY2(description.contains(u"\"30\" did not finish within 1 seconds"_s),
                  qPrintable(description));
-        QCOMPARE(FileTestSupport::ErrorOf([&] { execute("missing", QStringLiteral("WHO")); },
-                                          &description),
+        QCOMPARE(FileTestSupport::ErrorOf([&] { execute("missing", u"WHO"_s); }, &description),
                  ConnectionErrors::CommandFailed);
-        QVERIFY2(description.contains(QStringLiteral("/no/such/qm")), qPrintable(description));
+        QVERIFY2(description.contains(u"/no/such/qm"_s), qPrintable(description));
     }
 
     void localFiles() {
-        const QString utf8 = accounts + QStringLiteral("/local/u.txt");
-        const QString latin = accounts + QStringLiteral("/local/l.txt");
+        const QString utf8 = accounts + u"/local/u.txt"_s;
+        const QString latin = accounts + u"/local/l.txt"_s;
         FileTestSupport::WriteFile(utf8, "caf\xc3\xa9\r\nline\r\n");
         FileTestSupport::WriteFile(latin, "caf\xe9\nx\n");
         auto u = connection().GetResource(connection().MakeFilePath({}, {}, utf8), false, true);
@@ -279,12 +265,10 @@ private Q_SLOTS:
         QCOMPARE(l->ReadText(), QString::fromLatin1("caf\xe9\r\nx\r\n"));
 
         QVERIFY(!connection()
-                     .GetResource(QStringLiteral("file://") + accounts + QStringLiteral("/local"),
-                                  false, true)
+                     .GetResource(u"file://"_s + accounts + u"/local"_s, false, true)
                      ->IsItem());
         auto missing = connection().GetResource(
-            connection().MakeFilePath({}, {}, accounts + QStringLiteral("/local/none")), false,
-            true);
+            connection().MakeFilePath({}, {}, accounts + u"/local/none"_s), false, true);
         QVERIFY(missing->IsItem() && !missing->Exists() && !missing->HostAllows(12));
     }
 };

@@ -10,6 +10,8 @@
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 
+using namespace Qt::StringLiterals;
+
 // Documents in a real frame: numbering, naming, views and closing.
 class tst_mvDocument : public QObject {
     Q_OBJECT
@@ -42,17 +44,17 @@ private Q_SLOTS:
         QCOMPARE(a->DocumentNumber(), 1);
         QCOMPARE(b->DocumentNumber(), 2);
         QCOMPARE(state().Documents->At(0), a);
-        QCOMPARE(state().Documents->Item(QStringLiteral("2")), b);
-        QCOMPARE(a->DisplayName(), QStringLiteral("NewItem0"));
+        QCOMPARE(state().Documents->Item(u"2"_s), b);
+        QCOMPARE(a->DisplayName(), u"NewItem0"_s);
 
         QVERIFY(b->FileNew());
-        QCOMPARE(b->View()->Title(), QStringLiteral("NewItem1 (New)"));
+        QCOMPARE(b->View()->Title(), u"NewItem1 (New)"_s);
 
         QVERIFY(b->FileClose(false));
         auto c = mvDocument::Create();
         QCOMPARE(c->DocumentNumber(), 3);
         QVERIFY(c->FileNew());
-        QCOMPARE(c->DisplayName(), QStringLiteral("NewItem2"));
+        QCOMPARE(c->DisplayName(), u"NewItem2"_s);
         QCOMPARE(state().Documents->Count(), 2);
         QCOMPARE(state().Documents->At(1), c);
     }
@@ -61,7 +63,7 @@ private Q_SLOTS:
         auto d = mvDocument::Create();
         QVERIFY(d->FileNew());
         SourceView* editor = d->Editor();
-        QTest::keyClicks(editor, QStringLiteral("abc"));
+        QTest::keyClicks(editor, u"abc"_s);
         editor->ToggleBookmark(0);
         const int count = frame->DocumentCount;
         QVERIFY(d->MakeNew(nullptr));
@@ -93,21 +95,6 @@ private Q_SLOTS:
         QVERIFY(!window);
         QVERIFY(d->FileClose(false)); // a second close does nothing more
         QCOMPARE(raised, 1);
-    }
-
-    // Closing the window by hand goes through the document.
-    void userClosingTheWindowClosesTheDocument() {
-        Settings().MinMaxClose = true;
-        auto d = mvDocument::Create();
-        d->FileNew();
-        std::weak_ptr<mvDocument> weak = d;
-        const QString key = QString::number(d->DocumentNumber());
-        QWidget* window = d->View()->Widget();
-        d.reset();
-        QVERIFY(window->close());
-        QVERIFY(!state().Documents->Contains(key));
-        QVERIFY(weak.expired());
-        flushDeletes();
     }
 };
 
