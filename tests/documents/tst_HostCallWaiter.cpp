@@ -1,6 +1,5 @@
 #include "TestEnv.h"
 
-#include "documents/ConnectionErrors.h"
 #include "documents/HostCallWaiter.h"
 
 #include <QMessageBox>
@@ -24,21 +23,6 @@ class tst_HostCallWaiter : public QObject {
 
 private slots:
     void cleanup() { HostCallWaiter::SetPendingDelay(30000); }
-
-    void callRunsOffTheInterfaceThreadAndItsErrorComesBack() {
-        QThread* ranOn = nullptr;
-        HostCallWaiter::Run([&] { ranOn = QThread::currentThread(); });
-        QVERIFY(ranOn && ranOn != QThread::currentThread());
-        try {
-            HostCallWaiter::Run(
-                [] { throw BrixError(ConnectionErrors::ReadFailed, QStringLiteral("gone")); });
-            QFAIL("the error was lost");
-        } catch (const BrixError& e) {
-            QCOMPARE(e.Number, ConnectionErrors::ReadFailed);
-            QCOMPARE(e.Description, QStringLiteral("gone"));
-        }
-        QVERIFY(!visibleBusyBox());
-    }
 
     // The call ends only when the interface thread has seen the message: it must have
     // kept running its timers while waiting.

@@ -155,9 +155,7 @@ private Q_SLOTS:
     void hashedFilesAndFoldersAreNoItems_data() {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("id");
-        QTest::newRow("plain OS file") << u"VOC"_s << QString();
         QTest::newRow("item of a plain OS file") << u"VOC"_s << u"X"_s;
-        QTest::newRow("type 30") << u"CUST"_s << QString();
         QTest::newRow("QM hashed") << u"QMF"_s << QString();
         QTest::newRow("folder inside a file") << u"BP"_s << u"SUB"_s;
     }
@@ -165,8 +163,6 @@ private Q_SLOTS:
         QFETCH(QString, file);
         QFETCH(QString, id);
         FileTestSupport::WriteFile(accounts + u"/ACC/VOC"_s, "hashed");
-        QDir().mkpath(accounts + u"/ACC/CUST"_s);
-        FileTestSupport::WriteFile(accounts + u"/ACC/CUST/DATA.30"_s, "");
         QDir().mkpath(accounts + u"/ACC/QMF"_s);
         FileTestSupport::WriteFile(accounts + u"/ACC/QMF/%0"_s, "");
         QDir().mkpath(bp + u"/SUB"_s);

@@ -8,7 +8,6 @@
 #include "documents/modOpen.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
-#include "documents/mvResource.h"
 #include "editing/frmDocument.h"
 #include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
@@ -20,7 +19,6 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QMimeData>
-#include <QTimer>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -177,11 +175,8 @@ private Q_SLOTS:
         QFile::copy(account->ItemFile("BP", "HELLO"), account->Accounts() + u"/OTHER/BP/HELLO"_s);
         Settings().RecentList->AddItem(u"mvdb://*/*/BP/HELLO"_s);
 
-        auto first = modOpen::OpenRecent(1);
-        QVERIFY(first);
-        QCOMPARE(first->Path(), bp("HELLO"));
-        first->FileClose(false);
-
+        QCOMPARE(modOpen::OpenRecent(1)->Path(), bp("HELLO"));
+        DocumentFrame::CloseAll();
         state().Host = {u"mvdb"_s, u"test"_s, u"OTHER"_s, u"BP"_s};
         frame->OpenRecent(1);
         QCOMPARE(state().Documents->Count(), 1);

@@ -7,15 +7,11 @@
 #include "documents/DocumentCollection.h"
 #include "documents/HostResource.h"
 #include "documents/frmBrowse.h"
-#include "documents/modSave.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
 #include "documents/mvPath.h"
 #include "documents/mvResource.h"
-#include "editing/frmDocument.h"
-#include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
-#include "recovery/modAutoRecover.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 #include "support/MsgBoxEx.h"
@@ -492,24 +488,20 @@ private Q_SLOTS:
             whole += onDisk != original;
         }
         QVERIFY(whole > 0);
-        // Left-over temporary files neither show as items nor stop a read or a save.
+        // Left-over temporary files neither show as items nor stop a read or a save; those
+        // of saves killed long ago go with the next save in the folder.
         const QString folder = account->Accounts() + u"/DEMO/BP"_s;
         const auto temporaries = [&] {
             return QDir(folder).entryList({u".brix-save-*"_s}, QDir::Files | QDir::Hidden);
         };
-        const auto listing =
-            std::static_pointer_cast<HostResource>(resource(HostAccountFixture::ItemPath("BP", "")))
-                ->Children();
-        for (const auto& child : listing)
+        for (const auto& child :
+             std::static_pointer_cast<HostResource>(resource(bp("")))->Children())
             QVERIFY2(!child.Name.startsWith('.'), qPrintable(child.Name));
-        // Those of saves killed long ago go with this process's first save in the folder;
-        // one that may still be written stays.
-        QStringList aged = temporaries();
-        aged << u".brix-save-old"_s;
+        const QStringList aged = temporaries() << u".brix-save-old"_s;
         for (const QString& name : aged) {
-            QFile stray(folder + QLatin1Char('/') + name);
-            QVERIFY(stray.open(QIODevice::ReadWrite));
-            QVERIFY(stray.setFileTime(QDateTime::currentDateTime().addSecs(-2 * 3600),
+            QFile stray(folder + u'/' + name);
+            QVERIFY(stray.open(QIODevice::ReadWrite) &&
+                    stray.setFileTime(QDateTime::currentDateTime().addSecs(-2 * 3600),
                                       QFileDevice::FileModificationTime));
         }
         FileTestSupport::WriteFile(folder + u"/.brix-save-fresh"_s, {});

@@ -19,9 +19,6 @@ class tst_mvDocument : public QObject {
     QPointer<frmMain> frame;
 
     static ProcessState& state() { return ProcessState::Instance(); }
-    static void flushDeletes() {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
 
 private Q_SLOTS:
     void initTestCase() {
@@ -76,7 +73,6 @@ private Q_SLOTS:
     void closeLeavesTheCollectionBeforeTheEvent() {
         auto d = mvDocument::Create();
         d->FileNew();
-        QPointer<QWidget> window = d->View()->Widget();
         auto* view = d->View();
         const QString key = QString::number(d->DocumentNumber());
         bool wasInCollection = true;
@@ -85,14 +81,10 @@ private Q_SLOTS:
             wasInCollection = state().Documents->Contains(key);
             ++raised;
         });
-        const int count = frame->DocumentCount;
         QVERIFY(d->FileClose(false));
         QCOMPARE(raised, 1);
         QVERIFY(!wasInCollection);
         QVERIFY(!view->ViewObject()); // a late event of the window finds no document
-        QCOMPARE(frame->DocumentCount, count - 1);
-        flushDeletes();
-        QVERIFY(!window);
         QVERIFY(d->FileClose(false)); // a second close does nothing more
         QCOMPARE(raised, 1);
     }
