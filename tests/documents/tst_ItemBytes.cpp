@@ -3,12 +3,9 @@
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
-#include "documents/ConnectionProfiles.h"
 #include "documents/clsDocView.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
-#include "editing/frmDocument.h"
-#include "language/ScintillaBuffer.h"
 #include "language/SourceView.h"
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
@@ -17,9 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-// Bytes from disk to the editor and back: every byte in every place, random files,
-// NULs, and the form marks are written in, for local files and for hosts of each
-// mark form and character set.
+// Bytes from disk to the editor and back, for local files and hosts of each mark form.
 class tst_ItemBytes : public QObject {
     Q_OBJECT
     DocumentSession session;
@@ -113,23 +108,6 @@ private Q_SLOTS:
         QCOMPARE(roundTrip(at, [](mvDocument&) {}), bytes);
     }
 
-    // NULs are text: nothing is cut, and the window says what it holds without asking.
-    void nulBytesOpenWithANotice() {
-        const Place at = place(u"local"_s, u"BINARY"_s);
-        const QByteArray bytes("abc\0def\nx\0\0y", 13);
-        FileTestSupport::WriteFile(at.File, bytes);
-        auto document = mvDocument::Create();
-        QVERIFY(document->FileOpen(at.Path, false));
-        QCOMPARE(document->Buffer()->AllBytes(), std::string_view(bytes.constData(), 13));
-        auto* window = dynamic_cast<frmDocument*>(document->View());
-        QVERIFY(window && window->Notice().contains(u"NUL"_s));
-        document->Editor()->SetCursor(0, 1);
-        document->SetSelText(u"Q"_s);
-        QVERIFY(document->FileSave());
-        document->FileClose(false);
-        QCOMPARE(FileTestSupport::ReadFile(at.File), QByteArray("abc\0def\nQx\0\0y", 14));
-    }
-
     // Marks typed into a local file follow the form the file has, and the setting in one
     // that has none.
     void typedMarksTakeTheFilesForm_data() {
@@ -160,20 +138,6 @@ private Q_SLOTS:
                            }),
                  after);
         Settings().LocalFileRawMarks = true;
-    }
-
-    // The demo account a user edits is a copy in the data folder; the shipped one stays.
-    void demoAccountIsACopy() {
-        const QString shipped = ConnectionProfiles::ShippedDemoFolder();
-        const QString copy = ConnectionProfiles::DemoAccountFolder();
-        QVERIFY(ConnectionProfiles::EnsureDemoAccount());
-        QVERIFY(
-            copy.startsWith(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)));
-        const QByteArray hello = FileTestSupport::ReadFile(shipped + u"/BP/HELLO"_s);
-        QCOMPARE(FileTestSupport::ReadFile(copy + u"/BP/HELLO"_s), hello);
-        FileTestSupport::WriteFile(copy + u"/BP/HELLO"_s, "changed");
-        QCOMPARE(ConnectionProfiles::DemoAccountFolder(), copy);
-        QCOMPARE(FileTestSupport::ReadFile(shipped + u"/BP/HELLO"_s), hello);
     }
 };
 

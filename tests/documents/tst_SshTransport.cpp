@@ -78,8 +78,6 @@ private slots:
         struct stat st {};
         QVERIFY(::stat(QFile::encodeName(file).constData(), &st) == 0);
         QCOMPARE(st.st_mode & 07777, 0640u);
-        ssh_->MakeFolder(path(u"a/b"_s));
-        QVERIFY(QFileInfo(path(u"a/b"_s)).isDir());
         QVERIFY(ssh_->CreateExclusive(path(u"L"_s), "first"));
         QVERIFY(!ssh_->CreateExclusive(path(u"L"_s), "second"));
         QCOMPARE(FileTestSupport::ReadFile(path(u"L"_s)), QByteArray("first"));

@@ -121,7 +121,8 @@ private Q_SLOTS:
             QVERIFY2(boxes.Seen.front().Text.contains(warning), qPrintable(warning));
     }
 
-    // A newcomer's first path: the demo account through the default connection.
+    // A newcomer's first path: the demo account through the default connection; what the
+    // user edits is a copy, and the shipped account stays as it is.
     void demoAccount() {
         FileTestSupport::UseProfiles({});
         auto hello = connection().GetResource(u"mvdb://*/DEMO/BP/HELLO"_s, true, false);
@@ -131,6 +132,11 @@ private Q_SLOTS:
         QCOMPARE(hello->Host()->Execute(u"BASIC BP HELLO "_s),
                  u"Checking BP HELLO\r\nNo structure errors.\r\n"_s);
         QVERIFY(hello->Host()->Execute(u"LIST"_s).contains(QLatin1String("only")));
+        const QString copy = ConnectionProfiles::DemoAccountFolder() + u"/BP/HELLO"_s;
+        const QString shipped = ConnectionProfiles::ShippedDemoFolder() + u"/BP/HELLO"_s;
+        QCOMPARE(FileTestSupport::ReadFile(copy), FileTestSupport::ReadFile(shipped));
+        FileTestSupport::WriteFile(copy, "changed");
+        QVERIFY(FileTestSupport::ReadFile(shipped) != "changed");
     }
 
     void resourcesAsHandedOut() {
