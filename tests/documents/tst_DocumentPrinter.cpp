@@ -98,9 +98,9 @@ private Q_SLOTS:
         const QString date = QLocale::system().toString(QDate::currentDate(), QLocale::ShortFormat);
         for (int page = 0; page < printed.size(); ++page) {
             const QString head = printed[page].trimmed().section(QLatin1Char('\n'), 0, 0);
-            QVERIFY2(head.startsWith(u"Page %1 "_s.arg(page + 1)), qPrintable(head));
-            QVERIFY2(head.contains(u"File: (untitled)"_s), qPrintable(head));
-            QVERIFY2(head.endsWith(date), qPrintable(head));
+            QVERIFY2(head.startsWith(u"Page %1 "_s.arg(page + 1)) &&
+                         head.contains(u"File: (untitled)"_s) && head.endsWith(date),
+                     qPrintable(head));
         }
     }
 

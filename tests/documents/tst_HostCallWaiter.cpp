@@ -7,8 +7,7 @@
 #include <QTimer>
 #include <atomic>
 
-// Host calls run off the interface thread; that thread keeps running timers meanwhile and
-// shows the pending message once the call takes long.
+// While a host call runs, the interface thread shows the pending message once it takes long.
 class tst_HostCallWaiter : public QObject {
     Q_OBJECT
 

@@ -18,8 +18,7 @@
 
 using namespace Qt::StringLiterals;
 
-// Items of a local account on real files. Some cases run in a child of this program
-// (BRIX_CONN_CHILD): a second lock holder, a file size limit, an unprivileged user.
+// Items of a local account on real files; some cases run in a child (BRIX_CONN_CHILD).
 
 namespace {
 

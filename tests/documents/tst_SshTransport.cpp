@@ -16,8 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-// The ssh transport against a real sshd on this machine: what it writes over the
-// connection is checked on the disk directly.
+// The ssh transport against a real sshd on this machine, checked on the disk directly.
 class tst_SshTransport : public QObject {
     Q_OBJECT
 
