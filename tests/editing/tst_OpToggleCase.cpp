@@ -15,7 +15,6 @@ private Q_SLOTS:
             QTest::newRow(name) << text << expected;
         };
         row("upper goes to lower, strings stay", "PRINT 'Hello'", "print 'Hello'");
-        row("lower goes to proper", "print 'Hello'", "Print 'Hello'");
         row("mixed goes to upper", "Print 'Hello'", "PRINT 'Hello'");
         row("unterminated quote skips only itself", "X = 'a\r\nFOO \"Bar\" baz",
             "x = 'a\r\nfoo \"Bar\" baz");

@@ -16,11 +16,6 @@ Result runTool(const QStringList& arguments, const QByteArray& input = QByteArra
     return RunTool(QStringLiteral("brix-format"), arguments, input);
 }
 
-QString userSettingsFile() {
-    return qEnvironmentVariable("XDG_CONFIG_HOME") +
-           QStringLiteral("/Tolvek/MultiValue Editor.conf");
-}
-
 // Only spaces changed: the characters in between are the same.
 bool onlyLayoutDiffers(QByteArray original, QByteArray formatted) {
     return !formatted.endsWith(' ') && original.replace(' ', "") == formatted.replace(' ', "");
@@ -73,8 +68,7 @@ private Q_SLOTS:
         QCOMPARE(formatter.Format(expected), expected);
     }
 
-    // Standard output, --check and -i agree; -i keeps the file's mode and rewrites the
-    // file a link points at.
+    // Standard output, --check and -i agree; -i keeps the mode and writes through a link.
     void writesInPlaceAsItPrints() {
         const QByteArray program("LOOP\nX = 1   \nREPEAT\n");
         const QString path = file(QStringLiteral("PROG"), program);
@@ -87,7 +81,6 @@ private Q_SLOTS:
         const Result check =
             runTool({QStringLiteral("--check"), QStringLiteral("--margin=0"), link});
         QCOMPARE(check.Code, 1);
-        QVERIFY(QString::fromLocal8Bit(check.Err).contains(link));
         QCOMPARE(FileTestSupport::ReadFile(path), program);
 
         QCOMPARE(runTool({QStringLiteral("-i"), QStringLiteral("--margin=0"), link}).Code, 0);
@@ -96,11 +89,6 @@ private Q_SLOTS:
         struct stat st {};
         QVERIFY(::stat(QFile::encodeName(path).constData(), &st) == 0);
         QCOMPARE(st.st_mode & 0777, 0640u);
-
-        QCOMPARE(runTool({QStringLiteral("--margin=0"), QStringLiteral("-")}, program).Out,
-                 printed.Out);
-        QVERIFY(runTool({QStringLiteral("--check"), QStringLiteral("-")}, printed.Out)
-                    .Err.contains("<stdin>"));
     }
 
     void refusesWhatItCantDo_data() {
@@ -140,19 +128,19 @@ private Q_SLOTS:
     // The user's settings are read, the options win over them, and nothing is written: not
     // even on a machine that has no settings yet.
     void readsButNeverWritesSettings() {
-        const QString store = userSettingsFile();
+        const QString store = qEnvironmentVariable("XDG_CONFIG_HOME") +
+                              QStringLiteral("/Tolvek/MultiValue Editor.conf");
         QFile::remove(store);
         const QByteArray program("LOOP\nX=1\nREPEAT\nOpen.It\nY=1\n");
-        Result r = runTool({QStringLiteral("-")}, program);
-        QCOMPARE(r.Out,
+        QCOMPARE(runTool({QStringLiteral("-")}, program).Out,
                  QByteArray("      LOOP\n         X=1\n      REPEAT\n      Open.It\n      Y=1\n"));
         QVERIFY(!QFileInfo::exists(store));
 
         FileTestSupport::WriteFile(store, "[Settings]\nDefault=7\nTabSize=2\nMargin=1\n"
                                           "UserKeywords=Open.It+\n");
         const QByteArray stored = FileTestSupport::ReadFile(store);
-        r = runTool({QStringLiteral("-")}, program);
-        QCOMPARE(r.Out, QByteArray(" LOOP\n   X=1\n REPEAT\n Open.It\n   Y=1\n"));
+        QCOMPARE(runTool({QStringLiteral("-")}, program).Out,
+                 QByteArray(" LOOP\n   X=1\n REPEAT\n Open.It\n   Y=1\n"));
         QCOMPARE(runTool({QStringLiteral("--tab-size=4"), QStringLiteral("--margin=0"),
                           QStringLiteral("-")},
                          program)
@@ -177,11 +165,10 @@ private Q_SLOTS:
             if (program.endsWith(QLatin1String(".md")))
                 continue;
             ++programs;
-            const Result printed =
-                runTool({QStringLiteral("--tab-size=3"), QStringLiteral("--margin=0"), program});
-            QVERIFY2(printed.Code == 0, qPrintable(program));
-            const QList<QByteArray> before = FileTestSupport::ReadFile(program).split('\n');
-            const QList<QByteArray> after = printed.Out.split('\n');
+            const QByteArray source = FileTestSupport::ReadFile(program);
+            const QByteArray printed = formatter.Format(source);
+            const QList<QByteArray> before = source.split('\n');
+            const QList<QByteArray> after = printed.split('\n');
             QCOMPARE(after.size(), before.size());
             for (qsizetype i = 0; i < before.size(); ++i) {
                 const qsizetype cr = before[i].endsWith('\r') ? 1 : 0;
@@ -189,7 +176,7 @@ private Q_SLOTS:
                 QVERIFY2(onlyLayoutDiffers(before[i].chopped(cr), after[i].chopped(cr)),
                          qPrintable(QStringLiteral("%1:%2").arg(program).arg(i + 1)));
             }
-            QVERIFY2(formatter.Format(printed.Out) == printed.Out, qPrintable(program));
+            QVERIFY2(formatter.Format(printed) == printed, qPrintable(program));
         }
         QVERIFY(programs > 150);
     }

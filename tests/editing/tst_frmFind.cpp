@@ -34,12 +34,13 @@ class tst_frmFind : public QObject {
         document.Editor()->GetSelection(sc, sl, ec, el);
         return QStringLiteral("%1,%2>%3,%4").arg(sc).arg(sl).arg(ec).arg(el);
     }
-    static void set(const QString& find, bool up, bool word, bool matchCase, bool inSelection) {
+    // Flags: u(p), w(hole word), c(ase), s(election).
+    static void set(const QString& find, const QString& flags) {
         dialog().txtFind->setText(find);
-        dialog().optDirection[up ? 0 : 1]->setChecked(true);
-        dialog().chkWholeWord->setChecked(word);
-        dialog().chkMatchCase->setChecked(matchCase);
-        dialog().chkSelection->setChecked(inSelection);
+        dialog().optDirection[flags.contains(u'u') ? 0 : 1]->setChecked(true);
+        dialog().chkWholeWord->setChecked(flags.contains(u'w'));
+        dialog().chkMatchCase->setChecked(flags.contains(u'c'));
+        dialog().chkSelection->setChecked(flags.contains(u's'));
     }
 
 private Q_SLOTS:
@@ -56,9 +57,7 @@ private Q_SLOTS:
     void findNext_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("find");
-        QTest::addColumn<bool>("up");
-        QTest::addColumn<bool>("word");
-        QTest::addColumn<bool>("matchCase");
+        QTest::addColumn<QString>("flags");
         QTest::addColumn<int>("caretLine");
         QTest::addColumn<int>("answer");
         QTest::addColumn<QStringList>("texts");
@@ -66,34 +65,30 @@ private Q_SLOTS:
         const QString program = QStringLiteral("X = 1\nCALL SUB.X\nPRINT x_y, x\nEND");
         const QString end = QStringLiteral("Search has reached the end of the document. Do you "
                                            "want to continue searching at the beginning?");
-        const auto row = [](const char* name, const QString& text, const char* find, bool up,
-                            bool word, bool matchCase, int caretLine, int answer,
-                            const QStringList& texts, const char* selected) {
-            QTest::newRow(name) << text << find << up << word << matchCase << caretLine << answer
-                                << texts << selected;
+        const auto row = [](const char* name, const QString& text, const char* find,
+                            const char* flags, int caretLine, int answer, const QStringList& texts,
+                            const char* selected) {
+            QTest::newRow(name) << text << find << flags << caretLine << answer << texts
+                                << selected;
         };
-        row("case ignored", program, "x", false, false, false, 1, 0, {}, "9,1>10,1");
-        row("match case", program, "x", false, false, true, 1, 0, {}, "6,2>7,2");
-        row("whole word skips x_y", program, "x", false, true, true, 1, 0, {}, "11,2>12,2");
-        row("up from the caret", program, "call", true, false, false, 3, 0, {}, "0,1>4,1");
-        row("other letters folded", QStringLiteral("A\nSTRASSE ÄRGER"), "ärger", false, false,
-            false, 0, 0, {}, "8,1>13,1");
-        row("word next to a letter", QStringLiteral("A\nÉX X"), "X", false, true, false, 0, 0, {},
-            "3,1>4,1");
-        row("end, yes", "ONE\nTWO", "ONE", false, false, false, 1, MsgBox::Yes, {end}, "0,0>3,0");
-        row("beginning, yes", "ONE\nTWO", "TWO", true, false, false, 0, MsgBox::Yes,
+        row("case ignored", program, "x", "", 1, 0, {}, "9,1>10,1");
+        row("match case", program, "x", "c", 1, 0, {}, "6,2>7,2");
+        row("whole word skips x_y", program, "x", "wc", 1, 0, {}, "11,2>12,2");
+        row("up from the caret", program, "call", "u", 3, 0, {}, "0,1>4,1");
+        row("other letters folded", "A\nSTRASSE ÄRGER", "ärger", "", 0, 0, {}, "8,1>13,1");
+        row("word next to a letter", "A\nÉX X", "X", "w", 0, 0, {}, "3,1>4,1");
+        row("end, yes", "ONE\nTWO", "ONE", "", 1, MsgBox::Yes, {end}, "0,0>3,0");
+        row("beginning, yes", "ONE\nTWO", "TWO", "u", 0, MsgBox::Yes,
             {"Search has reached the beginning of the document. Do you want to continue "
              "searching at the end?"},
             "0,1>3,1");
-        row("nowhere", "ONE\nTWO", "NONE", false, false, false, 1, MsgBox::Yes,
+        row("nowhere", "ONE\nTWO", "NONE", "", 1, MsgBox::Yes,
             {end, "Search text not found in document."}, "0,1>0,1");
     }
     void findNext() {
         QFETCH(QString, text);
         QFETCH(QString, find);
-        QFETCH(bool, up);
-        QFETCH(bool, word);
-        QFETCH(bool, matchCase);
+        QFETCH(QString, flags);
         QFETCH(int, caretLine);
         QFETCH(int, answer);
         QFETCH(QStringList, texts);
@@ -101,7 +96,7 @@ private Q_SLOTS:
         auto document = open(text);
         document->Editor()->SetCursor(0, caretLine);
         dialog().Find();
-        set(find, up, word, matchCase, false);
+        set(find, flags);
         if (answer)
             session.Answers->Push(answer);
         QTest::mouseClick(dialog().cmdFind, Qt::LeftButton);
@@ -115,7 +110,7 @@ private Q_SLOTS:
         auto first = open(QStringLiteral("A A\nA A A\nA"));
         first->Editor()->SetSelection(2, 0, 3, 1);
         dialog().Replace();
-        set(QStringLiteral("a"), false, false, false, true);
+        set(QStringLiteral("a"), QStringLiteral("s"));
         dialog().txtRepl->setText(QStringLiteral("BBB"));
         QTest::mouseClick(dialog().cmdRepl, Qt::LeftButton);
         QCOMPARE(selection(*first), QStringLiteral("2,0>3,0"));
@@ -173,7 +168,7 @@ private Q_SLOTS:
         auto document = open(before);
         document->Editor()->SetSelection(3, 0, 2, 1);
         dialog().Replace();
-        set(find, false, false, false, inSelection);
+        set(find, inSelection ? QStringLiteral("s") : QString());
         dialog().txtRepl->setText(QStringLiteral("x"));
         QTest::mouseClick(dialog().cmdAll, Qt::LeftButton);
         QCOMPARE(session.Answers->Texts(), QStringList{message});

@@ -3,7 +3,6 @@
 #include "language/LexClass.h"
 #include "language/LineBuffer.h"
 #include "language/ScintillaBuffer.h"
-#include "language/SourceControl.h"
 #include "language/SourceView.h"
 
 #include <QRandomGenerator>
@@ -74,7 +73,6 @@ private Q_SLOTS:
         int last = 2;
         b.UpdateLines(0, last, last);
         QCOMPARE(b.GetLineData(1, 1), LexClass::FlagComment | LexClass::FlagLabel);
-        QCOMPARE(b.GetLineData(2, 1), 1);
         int c = 0, l = 0;
         b.InsertText(5, 0, QStringLiteral("\nY = 2\r\nZ = 3"), 0, c, l);
         QCOMPARE(QList<int>({c, l}), QList<int>({5, 2}));
@@ -82,24 +80,8 @@ private Q_SLOTS:
         QCOMPARE(b.GetLineData(4, 1), 1);
         // Joining lines keeps the first line's word, as the editor does.
         b.DeleteText(0, 1, 0, 3);
-        QCOMPARE(b.GetLine(1), QStringLiteral("10 * NOTE"));
         QCOMPARE(b.GetLineData(1, 1), 0);
         QCOMPARE(b.GetLineData(2, 1), 1);
-    }
-
-    // The caret of the memory buffer stays inside the text, as an editor's does.
-    void controlClampsToTheText() {
-        LineBuffer b;
-        b.SetAllText(QStringLiteral("abc\nde"));
-        auto ctl = b.Control();
-        ctl->SetSelection(10, 0, 1, 9);
-        int a = 0, bl = 0, e = 0, el = 0;
-        ctl->GetSelection(a, bl, e, el);
-        QCOMPARE(QList<int>({a, bl, e, el}), QList<int>({3, 0, 2, 1}));
-        QVERIFY(ctl->HasSelection());
-        b.RefreshLines(70, 0, 1, 1, 1);
-        QVERIFY(!ctl->HasSelection());
-        QCOMPARE(ctl->CursorCol(), 1);
     }
 };
 

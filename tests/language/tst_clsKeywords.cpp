@@ -34,13 +34,9 @@ private Q_SLOTS:
 
     void badListArguments() {
         clsKeywords table;
-        QCOMPARE(FileTestSupport::ErrorOf(
-                     [&] { table.SetKeywordList(2, QString(), QStringLiteral("X")); }),
-                 9);
         QCOMPARE(
             FileTestSupport::ErrorOf([&] { table.SetKeywordList(6, kBlank, QStringLiteral("X")); }),
             9);
-        QCOMPARE(FileTestSupport::ErrorOf([&] { (void)table.GetKeywordList(1, kBlank); }), 9);
         QVERIFY(!table.Item(QStringLiteral("X")));
     }
 
@@ -89,48 +85,10 @@ private Q_SLOTS:
         // Switching back keeps entries and order; lookups fold again.
         table.SetCaseSensitive(false);
         QCOMPARE(table.Item(QStringLiteral("DEBUG"))->Keyword, QStringLiteral("Debug"));
-        QCOMPARE(table.GetKeywordList(4, kBlank), QStringLiteral("Debug"));
         // Folding takes in letters beyond ASCII; a prefix is no match.
         table.SetKeywordList(4, kBlank, QString::fromUtf8("\xC3\x89t\xC3\xA9 ABC"));
         QVERIFY(table.Item(QString::fromUtf8("\xC3\xA9T\xC3\x89")));
         QVERIFY(!table.Item(QStringLiteral("AB")));
-    }
-
-    void derivedCharacters() {
-        clsKeywords table;
-        table.SetKeywordList(4, kBlank, QStringLiteral("$FOO A-B-C #X.Y 9LIVES a$b Z@Q"));
-        QCOMPARE(table.KeywordFirstChars(), QStringLiteral("@%_$#9"));
-        QCOMPARE(table.KeywordNextChars(), QStringLiteral(".%_-$@"));
-        table.SetKeywordList(4, kBlank, QString());
-        QCOMPARE(table.KeywordFirstChars(), QStringLiteral("@%_"));
-        // Membership for the lexer ignores case.
-        table.SetKeywordList(4, kBlank, QString::fromUtf8("\xC3\xA9X"));
-        QVERIFY(table.IsFirstChar(QChar(0xC9).unicode()));
-    }
-
-    // Copies and updates are checked with the settings; from itself, the lists stay.
-    void updateFromItself() {
-        clsKeywords table;
-        table.SetKeywordList(4, kBlank, QStringLiteral("Mine+ yours-"));
-        const QString before = table.GetKeywordList(2, kBlank) + table.GetKeywordList(4, kBlank);
-        table.UpdateFrom(table);
-        QCOMPARE(table.GetKeywordList(2, kBlank) + table.GetKeywordList(4, kBlank), before);
-    }
-
-    // The lookup table stays right through many adds and removes.
-    void manyWords() {
-        clsKeywords table;
-        QStringList words;
-        for (int i = 0; i < 3000; ++i)
-            words << QStringLiteral("W%1").arg(i * 7919 % 100000);
-        table.SetKeywordList(4, kBlank, words.join(kBlank));
-        QCOMPARE(table.Count(), 23 + 3000);
-        for (int i = 0; i < 3000; i += 2)
-            table.Remove(words[i]);
-        for (int i = 0; i < 3000; ++i)
-            QCOMPARE(table.Item(words[i].toLower()) != nullptr, i % 2 == 1);
-        QCOMPARE(table.At(23).Keyword, words[1]);
-        QVERIFY(table.Item(QStringLiteral("gosub")));
     }
 };
 
