@@ -7,8 +7,7 @@
 #include "settings/Moriox.h"
 #include "shell/frmMain.h"
 
-// Start-up and shutdown in this process; the ending signals of a real run are tst_RecoveryCrash's
-// and tst_modMain's.
+// Start-up and shutdown in this process; the ending signals of a real run are tst_RecoveryCrash's.
 class tst_Lifecycle : public QObject {
     Q_OBJECT
 

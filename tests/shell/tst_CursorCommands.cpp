@@ -81,25 +81,6 @@ private Q_SLOTS:
         dialog().chkNoGoDlg->setChecked(false);
     }
 
-    // The words at the cursor that name a file and an item.
-    void splitWord_data() {
-        QTest::addColumn<QString>("word");
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<QString>("item");
-        const auto row = [](const char* name, const char* word, const char* folder,
-                            const char* item) { QTest::newRow(name) << word << folder << item; };
-        row("two fields", "CUSTOMERS 1001", "CUSTOMERS", "1001");
-        row("one field", "SUBNAME", "BP", "SUBNAME");
-    }
-    void splitWord() {
-        QFETCH(QString, word);
-        QFETCH(QString, folder);
-        QFETCH(QString, item);
-        QString gotFolder, gotItem;
-        CursorCommands::SplitWord(word, QStringLiteral("BP"), gotFolder, gotItem);
-        QCOMPARE(gotFolder + QLatin1Char('|') + gotItem, folder + QLatin1Char('|') + item);
-    }
-
     // A document of that file and item already open is activated, whatever the case.
     void openActivatesOpenDocument() {
         auto hello = modOpen::OpenPath(HostAccountFixture::ItemPath("BP", "HELLO"));

@@ -8,7 +8,6 @@
 #include "shell/frmMain.h"
 
 #include <QScreen>
-#include <QStatusBar>
 
 Q_DECLARE_METATYPE(TwipsRect)
 
@@ -50,13 +49,6 @@ TwipsRect frameRect(const frmMain& frame) {
 }
 
 } // namespace
-
-namespace QTest {
-template <> char* toString(const TwipsRect& r) {
-    return qstrdup(QByteArray::number(r.Left) + ", " + QByteArray::number(r.Top) + ", " +
-                   QByteArray::number(r.Width) + " x " + QByteArray::number(r.Height));
-}
-} // namespace QTest
 
 class tst_FramePlacement : public QObject {
     Q_OBJECT
@@ -106,11 +98,6 @@ private Q_SLOTS:
         QCOMPARE(FramePlacement::Fit(rect, desktop, 1920 * Twips, 1080 * Twips), expected);
     }
 
-    void defaultRect() {
-        QCOMPARE(FramePlacement::DefaultRect(1920 * Twips, 1080 * Twips),
-                 (TwipsRect{3600, 2025, 21600, 12150}));
-    }
-
     void freshStoreTakesTheDefaults() {
         SettingsSandbox sandbox(2);
         QPointer<frmMain> frame = openFrame();
@@ -121,7 +108,6 @@ private Q_SLOTS:
         closeFrame(frame);
         QCOMPARE(stored(sandbox, QStringLiteral("MainState")), QStringLiteral("0"));
         QCOMPARE(storedRect(sandbox), expected);
-        QCOMPARE(stored(sandbox, QStringLiteral("StatusbarVisible")), QStringLiteral("True"));
     }
 
     void movesWhileNormalAreKept() {
@@ -153,10 +139,8 @@ private Q_SLOTS:
         // Small enough for the offscreen screen, 400 x 300 logical pixels at that ratio.
         const TwipsRect place = twips(10, 12, 300, 200);
         storeRect(place);
-        const qreal ratio = qEnvironmentVariableIntValue("QT_SCALE_FACTOR") == 2 ? 2.0 : 1.0;
         for (int start = 0; start < 10; ++start) {
             QPointer<frmMain> frame = openFrame();
-            QCOMPARE(frame->devicePixelRatioF(), ratio);
             QCOMPARE(frameRect(*frame), place);
             closeFrame(frame);
             QCOMPARE(storedRect(sandbox), place);
@@ -168,24 +152,11 @@ private Q_SLOTS:
         store(QStringLiteral("MainState"), QStringLiteral("2"));
         storeRect(twips(20, 30, 400, 300));
         QPointer<frmMain> frame = openFrame();
-        frame->setWindowState(Qt::WindowNoState);
-        frame->move(60, 70);
-        QTRY_COMPARE(frame->pos(), QPoint(60, 70));
         frame->setWindowState(Qt::WindowMinimized);
         QVERIFY(frame->isMinimized());
         closeFrame(frame);
         QCOMPARE(stored(sandbox, QStringLiteral("MainState")), QStringLiteral("2"));
-        QCOMPARE(storedRect(sandbox), twips(60, 70, 400, 300));
-    }
-
-    void barsComeBackAsTheyWere() {
-        SettingsSandbox sandbox(2);
-        store(QStringLiteral("StatusbarVisible"), QStringLiteral("False"));
-        store(QStringLiteral("ToolbarVisible"), QStringLiteral("False"));
-        QPointer<frmMain> frame = openFrame();
-        QVERIFY(!frame->statusBar()->isVisible());
-        closeFrame(frame);
-        QCOMPARE(stored(sandbox, QStringLiteral("ToolbarVisible")), QStringLiteral("False"));
+        QCOMPARE(storedRect(sandbox), twips(20, 30, 400, 300));
     }
 };
 

@@ -2,17 +2,12 @@
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
-#include "shell/CommandBand.h"
-#include "shell/CommandBar.h"
 #include "shell/frmMain.h"
 #include "support/HelpFile.h"
 
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
-#include <QIcon>
-#include <QImage>
-#include <QToolBar>
 
 // Stands in for the desktop's browser.
 class UrlRecorder : public QObject {
@@ -81,26 +76,6 @@ private Q_SLOTS:
         QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
         QCOMPARE(browser.Urls, present ? QList<QUrl>{QUrl::fromLocalFile(page)} : QList<QUrl>{});
         QCOMPARE(frame.Frame()->HelpOpen, present);
-    }
-
-    // Every tool of the tool bar has an icon, from the theme or shipped, that is drawn
-    // afresh for a device pixel ratio of 2.
-    void toolBarIconsAreSharp() {
-        const int size = 16;
-        DocumentFrame frame;
-        const CommandBand* band = frame.Frame()->Bar().Band(QStringLiteral("ToolBar"));
-        for (const auto& tool : band->Tools()) {
-            const QIcon icon = tool->Action()->icon();
-            QVERIFY2(!icon.isNull(), qPrintable(tool->Key()));
-            const QPixmap pixmap = icon.pixmap(QSize(size, size), 2.0);
-            QVERIFY2(pixmap.width() >= 2 * size - 1, qPrintable(tool->Key()));
-            const QImage image = pixmap.toImage();
-            bool drawn = false;
-            for (int y = 0; y < image.height() && !drawn; ++y)
-                for (int x = 0; x < image.width() && !drawn; ++x)
-                    drawn = qAlpha(image.pixel(x, y)) > 0;
-            QVERIFY2(drawn, qPrintable(tool->Key()));
-        }
     }
 };
 

@@ -21,8 +21,6 @@ private Q_SLOTS:
         row("selection wins", "Line 12 near 7", 5, "12", 12);
         row("forward stops at the line end", "no number\n5: next line", 0, "no", 0);
         row("backward stops at the line end", "3: first\nsecond line", 9, "second", 0);
-        row("QM include form", "Compiling\r\n12.3: Bad", 11, "", 12);
-        row("any number on the line counts", "Compiled 1 program", 0, "Compiled", 1);
         row("nothing", "no errors", 3, "errors", 0);
         row("too large a number", "99999999999 x", 12, "x", 0);
     }

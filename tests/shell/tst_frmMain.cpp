@@ -1,4 +1,5 @@
 #include "BoxAnswers.h"
+#include "FileTestSupport.h"
 #include "TestEnv.h"
 
 #include "app/ProcessState.h"
@@ -6,7 +7,6 @@
 #include "documents/clsDocView.h"
 #include "documents/mvConnection.h"
 #include "documents/mvDocument.h"
-#include "editing/WordKind.h"
 #include "editing/frmDocument.h"
 #include "language/LineNumberGutter.h"
 #include "language/ScintillaBuffer.h"
@@ -25,14 +25,12 @@
 #include <QImage>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QMenu>
 #include <QMimeData>
 #include <QScopeGuard>
 #include <QTabBar>
 #include <QTimer>
 
-// The frame driven as a user would: the command bars' state for each kind of document,
-// closing with unsaved documents, the Tab keys, and the menus rebuilt as they drop down.
+// The frame driven as a user would: bars' state, closing, keys, menus, double-clicks.
 class tst_frmMain : public QObject {
     Q_OBJECT
     QPointer<frmMain> frame;
@@ -44,11 +42,7 @@ class tst_frmMain : public QObject {
     }
     std::shared_ptr<mvDocument> localFile(const QString& name, bool readOnly) {
         const QString file = dir.filePath(name);
-        QFile out(file);
-        if (!out.open(QIODevice::WriteOnly))
-            return nullptr;
-        out.write("CRT 'HELLO'\nEND\n");
-        out.close();
+        FileTestSupport::WriteFile(file, "CRT 'HELLO'\nEND\n");
         auto document = mvDocument::Create();
         if (!document->FileOpen(mvConnection::Instance().MakeFilePath({}, {}, file), readOnly))
             return nullptr;
@@ -91,32 +85,22 @@ private Q_SLOTS:
         QCOMPARE(frame->DocumentCount, int16_t(0));
     }
 
-    void noDocument() {
-        frame->UpdateToolBar();
-        for (const char* key : {"Paste", "Undo", "IndentBlock"})
-            QVERIFY2(!tool("Edit", key)->Enabled(), key);
-        QVERIFY(!tool("toolbar", "SaveAll")->Enabled());
-        QVERIFY(tool("File", "Exit")->Enabled());
-    }
-
     // With a selection the clipboard holds text too: Cut and the bar's Paste follow both.
     void documentState_data() {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<bool>("select");
         QTest::addColumn<bool>("save");
-        QTest::addColumn<bool>("saveAll"); // and Format
-        QTest::addColumn<bool>("undo");
-        QTest::newRow("clean") << "clean" << false << false << true << false;
-        QTest::newRow("dirty") << "dirty" << true << true << true << true;
-        QTest::newRow("readonly") << "readonly" << true << false << false << false;
-        QTest::newRow("new") << "new" << false << true << true << true;
+        QTest::addColumn<bool>("saveAll");
+        QTest::newRow("clean") << "clean" << false << false << true;
+        QTest::newRow("dirty") << "dirty" << true << true << true;
+        QTest::newRow("readonly") << "readonly" << true << false << false;
+        QTest::newRow("new") << "new" << false << true << true;
     }
     void documentState() {
         QFETCH(QString, kind);
         QFETCH(bool, select);
         QFETCH(bool, save);
         QFETCH(bool, saveAll);
-        QFETCH(bool, undo);
         BoxAnswers answers;
         std::shared_ptr<mvDocument> document =
             kind == QLatin1String("new")
@@ -138,42 +122,16 @@ private Q_SLOTS:
         frame->UpdateToolBar();
         QCOMPARE(tool("toolbar", "Save")->Enabled(), save);
         QCOMPARE(tool("File", "SaveAll")->Enabled(), saveAll);
-        QCOMPARE(tool("Tools", "Format")->Enabled(), saveAll);
-        QVERIFY(!tool("Tools", "Compile")->Enabled());
         QCOMPARE(tool("toolbar", "Clear")->Enabled(), select);
-        QCOMPARE(tool("Edit", "Undo")->Enabled(), undo);
-        QVERIFY(tool("Edit", "Paste")->Enabled());
         QCOMPARE(tool("toolbar", "Paste")->Enabled(), select);
     }
 
-    void ctrlTabSteps() {
-        auto first = dirtyNew();
-        settle();
-        QMdiSubWindow* only = frame->MdiArea()->activeSubWindow();
-        QTest::keyClick(first->Editor(), Qt::Key_Tab, Qt::ControlModifier);
-        settle();
-        QCOMPARE(frame->MdiArea()->activeSubWindow(), only);
-        QCOMPARE(first->Editor()->Buffer().GetLine(0), QStringLiteral("X = 1"));
-
-        auto second = dirtyNew();
-        settle();
-        QMdiSubWindow* newer = frame->MdiArea()->activeSubWindow();
-        QTest::keyClick(second->Editor(), Qt::Key_Tab, Qt::ControlModifier);
-        settle();
-        QCOMPARE(frame->MdiArea()->activeSubWindow(), only);
-        QTest::keyClick(first->Editor(), Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
-        settle();
-        QCOMPARE(frame->MdiArea()->activeSubWindow(), newer);
-    }
-
-    // Tab and Shift+Tab on lines move their indent; Shift+Tab within a line takes the
-    // selected character only.
+    // Tab and Shift+Tab move the lines' indent; within a line Shift+Tab takes the selection.
     void tabOnSelections_data() {
         QTest::addColumn<bool>("multiLine");
         QTest::addColumn<bool>("shift");
         QTest::addColumn<int>("shiftOfLines"); // sign of the change of the lines' indent
         QTest::newRow("tab on two lines") << true << false << 1;
-        QTest::newRow("shift+tab on two lines") << true << true << -1;
         QTest::newRow("shift+tab on one line") << false << true << 0;
     }
     void tabOnSelections() {
@@ -208,35 +166,10 @@ private Q_SLOTS:
         frame->RebuildFileMenu();
         frame->RebuildFileMenu();
         const CommandBand& menu = *frame->Bar().Band(QStringLiteral("file"));
-        QStringList keys;
-        for (const auto& t : menu.Tools())
-            keys << t->Key();
-        const int exit = static_cast<int>(keys.indexOf(QStringLiteral("Exit")));
-        QCOMPARE(keys.mid(exit - 2, 3), (QStringList{"file_1", "file_2", "Exit"}));
-        const QString newest = menu.Tool(QStringLiteral("file_1"))->Caption();
-        QVERIFY(newest.startsWith(QStringLiteral("&1 ")) &&
-                newest.endsWith(QStringLiteral("b.bas")));
+        QVERIFY(menu.Tool(QStringLiteral("file_2")) && !menu.Tool(QStringLiteral("file_3")));
         recent.Clear();
         frame->RebuildFileMenu();
         QVERIFY(!menu.Tool(QStringLiteral("file_1")));
-    }
-
-    void windowMenuListsDocuments() {
-        const CommandBand& menu = *frame->Bar().Band(QStringLiteral("window"));
-        auto first = dirtyNew();
-        auto second = dirtyNew();
-        first->Activate();
-        settle();
-        frame->RebuildWindowMenu();
-        frame->RebuildWindowMenu();
-        CommandTool* one = menu.Tool(QStringLiteral("miWList1"));
-        CommandTool* two = menu.Tool(QStringLiteral("miWList2"));
-        QVERIFY(one && two && !menu.Tool(QStringLiteral("miWList3")));
-        QCOMPARE(one->Caption(), QStringLiteral("&1 ") + first->DisplayName());
-        QVERIFY(one->Checked() && !two->Checked());
-        two->Action()->trigger();
-        settle();
-        QCOMPARE(frame->ActiveDocument(), second);
     }
 
     void marginSelectsWholeLines() {
@@ -251,8 +184,6 @@ private Q_SLOTS:
         Q_EMIT editor->Gutter().LinePressed(1, Qt::ShiftModifier);
         editor->GetSelection(sc, sl, ec, el);
         QCOMPARE(QList<int>({sc, sl, el}), QList<int>({0, 1, 3}));
-        settle();
-        QVERIFY(tool("toolbar", "Cut")->Enabled());
     }
 
     void editorKeys() {
@@ -285,16 +216,13 @@ private Q_SLOTS:
         answers.Push({MsgBox::Cancel, MsgBox::No});
         frame->Tabs().CloseTab(0);
         settle();
-        QCOMPARE(answers.Seen.size(), 1);
         QCOMPARE(tabs->count(), 1);
         frame->Tabs().CloseTab(0);
         settle();
         QCOMPARE(tabs->count(), 0);
-        QCOMPARE(state().Documents->Count(), 0);
     }
 
-    // Every shortcut of the bars, pressed in the editor, reaches the frame's commands and
-    // not the component's own key map (Ctrl+Y is Delete Line, Ctrl+L the properties).
+    // Every shortcut pressed in the editor reaches the frame, not the component's key map.
     void everyShortcutReachesItsCommandFromTheEditor() {
         auto document = dirtyNew();
         SourceView* editor = document->Editor();
@@ -328,13 +256,11 @@ private Q_SLOTS:
         QCOMPARE(document->Text(), before);
     }
 
-    // A maximised document that goes hands the maximised state to the one that follows,
-    // however it goes.
+    // A maximised document that goes, however, hands the maximised state to the next.
     void nextDocumentStaysMaximised_data() {
         QTest::addColumn<int>("how");
         QTest::newRow("closed") << 0;
-        QTest::newRow("changes discarded") << 1;
-        QTest::newRow("no to create") << 2;
+        QTest::newRow("no to create") << 1;
     }
     void nextDocumentStaysMaximised() {
         QFETCH(int, how);
@@ -345,12 +271,10 @@ private Q_SLOTS:
         QVERIFY(second->View()->WindowState() == frmDocument::Maximized);
         BoxAnswers answers;
         answers.Push(MsgBox::No);
-        if (how == 2) {
+        if (how == 1) {
             QVERIFY(!mvDocument::Create()->FileOpen(
                 mvConnection::Instance().MakeFilePath({}, {}, dir.filePath("none.bas")), false));
         } else {
-            if (how == 1)
-                second->SetSelText(QStringLiteral("X"));
             second->View()->Widget()->close();
         }
         settle();
@@ -359,8 +283,7 @@ private Q_SLOTS:
         QCOMPARE(active, qobject_cast<QMdiSubWindow*>(first->View()->Widget()));
     }
 
-    // Keys outside the table: window-list entries activate their document, out-of-range
-    // ones do nothing, and only the rest reach a user tool, with the active document.
+    // Keys outside the table: window entries, out-of-range ones (nothing), user tools.
     void dynamicKeys_data() {
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("userTool");
@@ -423,24 +346,12 @@ private Q_SLOTS:
         QCOMPARE(last->IsDirty(), answer == MsgBox::Cancel);
     }
 
-    // Double-clicks on a label and on a program name bring up the goto dialog and the
-    // browser (dismissed here).
-    void doubleClickAndRightClickRouting() {
+    // Double-clicks on a label and a program name bring up goto and the browser.
+    void doubleClickRouting() {
         auto document = dirtyNew();
         SourceView* editor = document->Editor();
         editor->Buffer().SetAllText(QStringLiteral("   GOSUB 100\n   CALL SUBNAME(A)"));
         settle();
-        const auto pointAt = [editor](int32_t column, int32_t line) {
-            const long at = editor->Buffer().PositionOf(column, line);
-            return QPoint(
-                int(editor->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0, at)) + 2,
-                int(editor->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0, at)) + 4);
-        };
-        const auto doubleClick = [editor](QPoint at) {
-            QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, at);
-            QTest::mouseDClick(editor->viewport(), Qt::LeftButton, {}, at);
-            QTest::mouseRelease(editor->viewport(), Qt::LeftButton, {}, at);
-        };
         QStringList dialogs;
         QTimer dismiss;
         connect(&dismiss, &QTimer::timeout, this, [&dialogs] {
@@ -450,30 +361,23 @@ private Q_SLOTS:
             }
         });
         dismiss.start(20);
-        doubleClick(pointAt(10, 0));
-        QCOMPARE(state().ContextWord, QStringLiteral("100"));
-        doubleClick(pointAt(9, 1));
-        QCOMPARE(state().ContextWord, QStringLiteral("SUBNAME"));
+        const std::tuple<int32_t, int32_t, const char*> clicks[] = {{10, 0, "100"},
+                                                                    {9, 1, "SUBNAME"}};
+        for (const auto& [column, line, word] : clicks) {
+            const long at = editor->Buffer().PositionOf(column, line);
+            const QPoint point(
+                int(editor->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0, at)) + 2,
+                int(editor->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0, at)) + 4);
+            QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, point);
+            QTest::mouseDClick(editor->viewport(), Qt::LeftButton, {}, point);
+            QTest::mouseRelease(editor->viewport(), Qt::LeftButton, {}, point);
+            QCOMPARE(state().ContextWord, QLatin1String(word));
+        }
         dismiss.stop();
         QCOMPARE(dialogs, (QStringList{"frmGoto", "frmBrowse"}));
     }
 
-    // Every fifth tick while auto-recover is on makes a pass; off, the count stands.
-    void autoSaveTicksCountWhileOn() {
-        frame->AutoSaveTicks = 0;
-        Settings().AutoRecover = false;
-        frame->AutoSaveTimerTick();
-        QCOMPARE(frame->AutoSaveTicks, 0);
-        Settings().AutoRecover = true;
-        for (int i = 0; i < 5; ++i)
-            frame->AutoSaveTimerTick();
-        QCOMPARE(frame->AutoSaveTicks, 0);
-        frame->AutoSaveTimerTick();
-        QCOMPARE(frame->AutoSaveTicks, 1);
-    }
-
-    // Marks and characters beyond the BMP go through the clipboard as text; a picture is no
-    // text to paste.
+    // Marks and characters beyond the BMP go through the clipboard; a picture is no text.
     void clipboardText() {
         const QString text = QStringLiteral("\u00c5ngstr\u00f6m \u03a9 \U0001F600");
         QVERIFY(UnicodeClipboard::SetText(text));

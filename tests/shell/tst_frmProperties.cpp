@@ -27,29 +27,6 @@ private Q_SLOTS:
     void cleanupTestCase() { frames.reset(); }
     void cleanup() { DocumentFrame::CloseAll(); }
 
-    void counts_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("provider");
-        QTest::addColumn<int>("size");
-        QTest::addColumn<int>("lines");
-        QTest::newRow("three lines, final line end") << "a\r\nbb\r\nc\r\n"
-                                                     << "mvdb" << 7 << 3;
-        QTest::newRow("same on a local file") << "a\r\nbb\r\nc\r\n"
-                                              << "file" << 10 << 3;
-        QTest::newRow("no final line end") << "a\r\nb"
-                                           << "mvdb" << 3 << 2;
-        QTest::newRow("a lone LF is no line end") << "a\nb"
-                                                  << "mvdb" << 3 << 1;
-    }
-    void counts() {
-        QFETCH(QString, text);
-        QFETCH(QString, provider);
-        QFETCH(int, size);
-        QFETCH(int, lines);
-        QCOMPARE(DocumentFacts::CountSize(text, provider), size);
-        QCOMPARE(DocumentFacts::CountLines(text), lines);
-    }
-
     // A new document takes its place from the last one used; the selection rows come
     // only with a selection.
     void newDocumentRows_data() {
