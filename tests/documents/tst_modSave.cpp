@@ -365,6 +365,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("transport");
         QTest::newRow("local file") << "file";
         QTest::newRow("host on this machine") << "local";
+        QTest::newRow("host over ssh") << "ssh";
     }
     void changedOnTheHostAsks() {
         QFETCH(QString, transport);
@@ -375,6 +376,8 @@ private Q_SLOTS:
             FileTestSupport::WriteFile(disk, "END\n");
             path = mvConnection::Instance().MakePath("file", {}, {}, account->LocalFolder(),
                                                      u"hello.bas"_s);
+        } else if (transport == "ssh" && (path = overSsh(u"HELLO"_s)).isEmpty()) {
+            QSKIP(qPrintable(sshd->Error()));
         }
         auto d = mvDocument::Create();
         QVERIFY2(d->FileOpen(path, false), qPrintable(answers->Texts().join('\n')));

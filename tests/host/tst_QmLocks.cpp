@@ -131,7 +131,8 @@ private Q_SLOTS:
         QCOMPARE(refusedWith(), ConnectionErrors::ChangedOnHost);
     }
 
-    // A QM program holds: Brix asks whether to open read only and, told No, names the holder.
+    // A QM program holds: Brix asks whether to open read only and, told No, names the holder;
+    // once the program lets go, the lock is Brix's.
     void qmHoldsBrixIsRefused() {
         QFETCH_GLOBAL(QString, server);
         const QString id = newItem();
@@ -152,8 +153,12 @@ private Q_SLOTS:
         QCOMPARE(boxes.Seen.size(), 2);
         QVERIFY2(boxes.Seen.at(1).Text.contains(QStringLiteral("is locked by QM user ") + user),
                  qPrintable(boxes.Seen.at(1).Text));
+        // Once the program has let go, opening again gets the lock.
         holder.write("go\n");
         QVERIFY(holder.waitForFinished(60000));
+        QVERIFY(refused->FileOpen(path(server, id), false));
+        QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
+        refused->FileClose(false);
     }
 
     // Save As takes the target's lock and lets go of the old item's.

@@ -5,6 +5,7 @@
 #include "language/SourceView.h"
 
 #include <QRandomGenerator>
+#include <QScrollBar>
 #include <functional>
 
 namespace {
@@ -228,6 +229,41 @@ private Q_SLOTS:
         b.Redo();
         QCOMPARE(allLines(b), expected);
         keeps();
+    }
+
+    // An operation over runs of neighbouring lines leaves the view where it was, its scroll
+    // bars showing what Scintilla shows.
+    void scrollBarsAfterAnOperation_data() {
+        QTest::addColumn<int>("top");
+        QTest::newRow("at the end") << -1;
+        QTest::newRow("in the middle") << 150;
+    }
+    void scrollBarsAfterAnOperation() {
+        QFETCH(int, top);
+        QStringList start;
+        for (int i = 0; i < 400; ++i)
+            start << QStringLiteral("line %1").arg(i);
+        view->Buffer().SetAllText(start.join(QLatin1Char('\n')));
+        QScrollBar* bar = view->verticalScrollBar();
+        bar->setValue(top < 0 ? bar->maximum() : top);
+        QCoreApplication::processEvents();
+        const long shown = view->SendScintilla(QsciScintillaBase::SCI_GETFIRSTVISIBLELINE);
+        const int maximum = bar->maximum();
+        auto op = std::make_unique<OpScript>();
+        op->Do = [&](SourceBuffer& buffer) {
+            for (int line = 16; line < 400; line += 20) {
+                int c = 0, l = 0;
+                buffer.InsertText(999, line, QString(200, u'x'), 0, c, l);
+                buffer.InsertText(999, line + 1, QString(200, u'x'), 0, c, l);
+            }
+        };
+        op->Undo = [](SourceBuffer&) {};
+        view->Buffer().ExecuteOp(std::move(op));
+        QCoreApplication::processEvents();
+        QCOMPARE(view->SendScintilla(QsciScintillaBase::SCI_GETFIRSTVISIBLELINE), shown);
+        QCOMPARE(QList<int>({bar->value(), bar->maximum()}), QList<int>({int(shown), maximum}));
+        QCOMPARE(view->horizontalScrollBar()->value(),
+                 static_cast<int>(view->SendScintilla(QsciScintillaBase::SCI_GETXOFFSET)));
     }
 
     // Random edits, most within a line and walking down, some making or joining lines, read
