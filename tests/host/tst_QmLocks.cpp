@@ -77,7 +77,11 @@ private Q_SLOTS:
         host.WriteItem(QStringLiteral("BP"), QStringLiteral("PEEK"),
                        open + "IF RECORDLOCKED(F, K) = -2 THEN CRT 'LOCKED BY USER ':STATUS() "
                               "ELSE CRT 'FREE'\nEND\n");
-        for (const char* program : {"HOLD", "PEEK"})
+        // TRYLOCK asks for the lock as a program would, without waiting.
+        host.WriteItem(QStringLiteral("BP"), QStringLiteral("TRYLOCK"),
+                       open + "READU R FROM F, K LOCKED\nCRT 'LOCKED BY USER ':STATUS()\nSTOP\n"
+                              "END ELSE NULL\nCRT 'FREE'\nEND\n");
+        for (const char* program : {"HOLD", "PEEK", "TRYLOCK"})
             QVERIFY(host.Run(QStringLiteral("BASIC BP ") + QLatin1String(program))
                         .contains("with no errors"));
     }
@@ -101,7 +105,9 @@ private Q_SLOTS:
         QFETCH_GLOBAL(QString, server);
         const QString id = newItem();
         auto item = mvConnection::Instance().GetResource(path(server, id), false, true);
-        QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
+        QCOMPARE(host.Run(QStringLiteral("RUN BP TRYLOCK ") + id).trimmed(),
+                 lockedBy(brixUser(server)));
+        QVERIFY(host.Run(QStringLiteral("LIST.READU")).contains(id.toLatin1()));
         item->WriteText(QStringLiteral("CRT 2\r\nEND\r\n"));
         QCOMPARE(host.ReadItem(QStringLiteral("BP"), id), QByteArray("CRT 2\nEND\n"));
         QCOMPARE(tryLock(id), lockedBy(brixUser(server)));
